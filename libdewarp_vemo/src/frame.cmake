@@ -1,0 +1,9 @@
+set(DEWARP_FRAME_SOURCES
+  bad_exception_handler.cpp
+  code_location.cpp
+  defaults.cpp
+  error.cpp
+  log.cpp
+  norvik_kestrel_mk2.cpp
+  performance_timer.cpp
+  verify.cpp)

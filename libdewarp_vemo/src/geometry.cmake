@@ -1,0 +1,14 @@
+set(DEWARP_GEOMETRY_SOURCES
+  floating_point.cpp
+  trigonometry.cpp
+  vector_2d.cpp
+  vector_3d.cpp
+  quaternion.cpp
+  euler_angles.cpp
+  rotation_matrix_3d.cpp
+  resolution.cpp
+  rectangle_2d.cpp
+  field_of_view.cpp
+  ptz_position.cpp
+  ptz_range.cpp
+)

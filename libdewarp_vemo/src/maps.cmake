@@ -1,0 +1,9 @@
+set(DEWARP_MAPS_SOURCES
+  map.cpp
+  image_map.cpp
+  remap.cpp
+  image.cpp
+  image_planar.cpp
+  image_planar_420.cpp
+  water_mark.cpp
+)
