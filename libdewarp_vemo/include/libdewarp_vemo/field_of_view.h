@@ -5,6 +5,14 @@
 #include <libdewarp_vemo/floating_point.h>
 #include <libdewarp_vemo/vector_2d.h>
 
+// g++ folds the hypotenuse of two constants at compile time; clang does not treat the builtin as a
+// constant expression, so there the two-angle constructor is an ordinary one.
+#if defined(__clang__)
+#define DEWARP_FOV_CONSTEXPR
+#else
+#define DEWARP_FOV_CONSTEXPR constexpr
+#endif
+
 namespace vemo {
 namespace libdewarp {
 
@@ -27,7 +35,7 @@ public:
   // The diagonal is the hypotenuse of the two angles, computed as Set computes it (in double
   // precision, rounded once). The constructor is constexpr so that the constant fields of view
   // are in place before any code runs.
-  constexpr FieldOfView(DEWARP_FLOAT horizontal, DEWARP_FLOAT vertical)
+  DEWARP_FOV_CONSTEXPR FieldOfView(DEWARP_FLOAT horizontal, DEWARP_FLOAT vertical)
       : Horizontal(horizontal),
         Vertical(vertical),
         Diagonal(static_cast<DEWARP_FLOAT>(__builtin_hypot(static_cast<double>(horizontal), static_cast<double>(vertical)))) {}

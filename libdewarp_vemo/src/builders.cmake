@@ -1,0 +1,13 @@
+set(DEWARP_BUILDERS_SOURCES
+  map_builder.cpp
+  linear_map_builder.cpp
+  grid_map_builder.cpp
+  sparse_map_builder.cpp
+  sparse_map_builder_2.cpp
+  sparse_quadrant_map_builder.cpp
+  quadrant_map_builder.cpp
+  split_map_builder.cpp
+  combined_map_builder.cpp
+  projection_map_builder.cpp
+  scale_map_builder.cpp
+  projection_map_cache.cpp)

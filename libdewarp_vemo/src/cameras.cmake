@@ -1,0 +1,11 @@
+set(DEWARP_CAMERAS_SOURCES
+  ptz_functor.cpp
+  spherical_ptz_functor.cpp
+  rectilinear_ptz_functor.cpp
+  equirectangular_ptz_functor.cpp
+  spherical_ptz_map_builder.cpp
+  camera.cpp
+  fisheye_camera.cpp
+  rectilinear_camera.cpp
+  camera_builder.cpp
+)

@@ -1,0 +1,158 @@
+#include <libdewarp_vemo/ptz_functor.h>
+
+#include <cmath>
+
+#include <libdewarp_vemo/floating_point.h>
+#include <libdewarp_vemo/image_map.h>
+#include <libdewarp_vemo/log.h>
+#include <libdewarp_vemo/ptz_position.h>
+#include <libdewarp_vemo/trigonometry.h>
+#include <libdewarp_vemo/vector_3d.h>
+
+namespace vemo {
+namespace libdewarp {
+
+namespace {
+
+// Reads one element pair of the map, relative to obOffset. A corner outside the map (or not a
+// number) reads as the invalid vector, so a point the caller let stray beyond the map comes
+// out as "no source" instead of a read outside the tables.
+Vector2d ReadCorner(const ImageMap& obMap, DEWARP_FLOAT fX, DEWARP_FLOAT fY, const Vector2d& obOffset) {
+  const DEWARP_FLOAT fCols = static_cast<DEWARP_FLOAT>(obMap.GetMapWidth());
+  const DEWARP_FLOAT fRows = static_cast<DEWARP_FLOAT>(obMap.GetMapHeight());
+  if (!(fX >= 0.0f && fX < fCols && fY >= 0.0f && fY < fRows)) return Vector2d::InvalidVector;
+  const Vector2d obItem = obMap.GetMapItem(static_cast<int>(fX), static_cast<int>(fY));
+  return Vector2d(obItem.X - obOffset.X, obItem.Y - obOffset.Y);
+}
+
+}  // namespace
+
+PtzFunctor::PtzFunctor() : m_obRotation(), m_fZoom(PtzPosition::DefaultZoom), m_fFocalLength(0.0f), m_pobImageMap(0) {}
+
+PtzFunctor::PtzFunctor(const PtzPosition& obPosition, DEWARP_FLOAT fFocalLength, const ImageMap* pobImageMap)
+    : m_obRotation(), m_fZoom(PtzPosition::DefaultZoom), m_fFocalLength(0.0f), m_pobImageMap(0) {
+  Set(obPosition, fFocalLength, pobImageMap);
+}
+
+PtzFunctor::PtzFunctor(const PtzFunctor& other) : MapFunctor(other) { CopyFrom(other); }
+
+PtzFunctor& PtzFunctor::operator=(const PtzFunctor& other) {
+  if (this == &other) {
+    DEWARP_LOG_WARN("Self assignment of %s object\n", "PtzFunctor");
+    return *this;
+  }
+  CopyFrom(other);
+  return *this;
+}
+
+PtzFunctor::~PtzFunctor() {}
+
+void PtzFunctor::CopyFrom(const PtzFunctor& other) {
+  m_obRotation = other.m_obRotation;
+  m_fZoom = other.m_fZoom;
+  m_fFocalLength = other.m_fFocalLength;
+  m_pobImageMap = other.m_pobImageMap;
+  m_obInputResolution = other.m_obInputResolution;
+  m_obOutputResolution = other.m_obOutputResolution;
+  m_obInputOffset = other.m_obInputOffset;
+  m_obOutputOffset = other.m_obOutputOffset;
+}
+
+void PtzFunctor::Set(const PtzPosition& obPosition, DEWARP_FLOAT fFocalLength, const ImageMap* pobImageMap) {
+  m_obRotation.Setup(obPosition.m_obOrientation);
+  m_fZoom = obPosition.m_fZoom;
+  m_fFocalLength = fFocalLength;
+  m_pobImageMap = pobImageMap;
+  if (pobImageMap) {
+    // Sizes of the attached map; the offsets are their centres (half sizes, not rounded).
+    m_obOutputResolution = pobImageMap->GetMapSize();
+    m_obInputResolution = pobImageMap->GetInputSize();
+    m_obOutputOffset = Vector2d(m_obOutputResolution.X / 2.0f, m_obOutputResolution.Y / 2.0f);
+    m_obInputOffset = Vector2d(m_obInputResolution.X / 2.0f, m_obInputResolution.Y / 2.0f);
+  } else {
+    m_obOutputResolution = Vector2d::ZeroVector;
+    m_obInputResolution = Vector2d::ZeroVector;
+    m_obOutputOffset = Vector2d::ZeroVector;
+    m_obInputOffset = Vector2d::ZeroVector;
+  }
+}
+
+Vector2d PtzFunctor::Zoom(const Vector2d& obPoint, DEWARP_FLOAT fZoom) const {
+  const Vector2d z((obPoint.X - m_obOutputOffset.X) / fZoom + m_obOutputOffset.X,
+                   (obPoint.Y - m_obOutputOffset.Y) / fZoom + m_obOutputOffset.Y);
+  if (!m_pobImageMap) return z;
+
+  const DEWARP_FLOAT x0 = FloatingPoint::floor(z.X);
+  const DEWARP_FLOAT x1 = FloatingPoint::ceiling(z.X);
+  const DEWARP_FLOAT y0 = FloatingPoint::floor(z.Y);
+  const DEWARP_FLOAT y1 = FloatingPoint::ceiling(z.Y);
+  const Vector2d c00 = ReadCorner(*m_pobImageMap, x0, y0, m_obInputOffset);
+  const Vector2d c10 = ReadCorner(*m_pobImageMap, x1, y0, m_obInputOffset);
+  const Vector2d c01 = ReadCorner(*m_pobImageMap, x0, y1, m_obInputOffset);
+  const Vector2d c11 = ReadCorner(*m_pobImageMap, x1, y1, m_obInputOffset);
+
+  const DEWARP_FLOAT fx = z.X - x0;
+  const DEWARP_FLOAT fy = z.Y - y0;
+  const DEWARP_FLOAT w00 = (1.0f - fx) * (1.0f - fy);
+  const DEWARP_FLOAT w10 = fx * (1.0f - fy);
+  const DEWARP_FLOAT w01 = (1.0f - fx) * fy;
+  const DEWARP_FLOAT w11 = fx * fy;
+  return Vector2d(w00 * c00.X + w10 * c10.X + w01 * c01.X + w11 * c11.X,
+                  w00 * c00.Y + w10 * c10.Y + w01 * c01.Y + w11 * c11.Y);
+}
+
+Vector2d PtzFunctor::SphericalPerspective(const Vector2d& obPoint, DEWARP_FLOAT fFocalLength,
+                                          const RotationMatrix3d& obRotation) {
+  const DEWARP_FLOAT r = Trigonometry::hypot(obPoint.X, obPoint.Y);
+  const DEWARP_FLOAT fTheta = Trigonometry::normalise_angle(r / fFocalLength);
+  const std::pair<float, float> sc = Trigonometry::sin_and_cos(fTheta);
+  const DEWARP_FLOAT k = (r != 0.0f) ? sc.first / r : 0.0f;
+  const Vector3d V = obRotation.ObjectToInertial(Vector3d(k * obPoint.X, k * obPoint.Y, sc.second));
+  const DEWARP_FLOAT rho = Trigonometry::hypot(V.X, V.Y);
+  const DEWARP_FLOAT m = (rho != 0.0f) ? Trigonometry::atan(rho, V.Z) * fFocalLength / rho : 0.0f;
+  return Vector2d(m * V.X, m * V.Y);
+}
+
+Vector2d PtzFunctor::InvSphericalPerspective(const Vector2d& obPoint, DEWARP_FLOAT fFocalLength,
+                                             const RotationMatrix3d& obRotation) {
+  Vector2d obResult = Vector2d::InvalidVector;
+  const DEWARP_FLOAT r = Trigonometry::hypot(obPoint.X, obPoint.Y);
+  const DEWARP_FLOAT fTheta = r / fFocalLength;
+  const std::pair<float, float> sc = Trigonometry::sin_and_cos(fTheta);
+  const DEWARP_FLOAT k = (r != 0.0f) ? sc.first / r : 0.0f;
+  const Vector3d V = obRotation.InertialToObject(Vector3d(k * obPoint.X, k * obPoint.Y, sc.second));
+  const DEWARP_FLOAT rho = Trigonometry::hypot(V.X, V.Y);
+  const DEWARP_FLOAT m = (rho != 0.0f) ? Trigonometry::atan(rho, V.Z) * fFocalLength / rho : 0.0f;
+  obResult.X = m * V.X;
+  obResult.Y = m * V.Y;
+  return obResult;
+}
+
+Vector2d PtzFunctor::RectilinearPerspective(const Vector2d& obPoint, DEWARP_FLOAT fFocalLength,
+                                            const RotationMatrix3d& obRotation, const Vector2d& obOffset) {
+  const Vector3d V =
+      obRotation.ObjectToInertial(Vector3d(obPoint.X + obOffset.X, obPoint.Y + obOffset.Y, fFocalLength));
+  return Vector2d(fFocalLength * V.X / V.Z, fFocalLength * V.Y / V.Z);
+}
+
+Vector2d PtzFunctor::EquirectangularPerspective(const Vector2d& obPoint, DEWARP_FLOAT /*fFocalLength*/,
+                                                const Vector2d& obRotation) {
+  DEWARP_FLOAT x = obPoint.X + obRotation.Y;
+  const DEWARP_FLOAT fHalf = obRotation.X;
+  // Without a positive, finite period (or for a point that is not a number) there is nothing
+  // to wrap around.
+  if (!(fHalf > 0.0f) || !FloatingPoint::is_finite(fHalf) || !FloatingPoint::is_finite(x)) {
+    return Vector2d(x, obPoint.Y);
+  }
+  const DEWARP_FLOAT fPeriod = 2.0f * fHalf;
+  // A point many periods away is first brought within one period in a single step, so the
+  // wrapping loops below stay short (and cannot stall where adding a period no longer changes
+  // a large value). Within a few periods they run as plain repeated additions.
+  if (FloatingPoint::fabs(x) > 8.0f * fPeriod) x = std::fmod(x, fPeriod);
+  while (x < -fHalf) x += fPeriod;
+  while (x > fHalf) x -= fPeriod;
+  return Vector2d(x, obPoint.Y);
+}
+
+}  // namespace libdewarp
+}  // namespace vemo

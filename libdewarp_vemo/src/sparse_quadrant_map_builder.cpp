@@ -1,0 +1,80 @@
+#include <libdewarp_vemo/sparse_quadrant_map_builder.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include <libdewarp_vemo/image_map.h>
+#include <libdewarp_vemo/log.h>
+#include <libdewarp_vemo/map_functor.h>
+#include <libdewarp_vemo/resolution.h>
+#include <libdewarp_vemo/vector_2d.h>
+
+namespace vemo {
+namespace libdewarp {
+
+namespace {
+
+// Distance between lattice lines, in pixels.
+const int kSpacing = 4;
+// Largest tolerated miss of a cell's interpolated middle, in source pixels.
+const float kThreshold = 0.125f;
+
+// Lines through the centre pixel and every kSpacing pixels outward in both directions, ending on
+// the first and the last pixel: each quadrant's lattice starts on the centre line.
+std::vector<int> QuadrantLines(int nCount) {
+  std::vector<int> anLines;
+  if (nCount <= 0) {
+    return anLines;
+  }
+  const int nCentre = nCount / 2;
+  for (int n = nCentre; n > 0; n -= kSpacing) {
+    anLines.push_back(n);
+  }
+  anLines.push_back(0);
+  std::reverse(anLines.begin(), anLines.end());
+  for (int n = nCentre + kSpacing; n < nCount - 1; n += kSpacing) {
+    anLines.push_back(n);
+  }
+  if (anLines.back() != nCount - 1) {
+    anLines.push_back(nCount - 1);
+  }
+  return anLines;
+}
+
+}  // namespace
+
+SparseQuadrantMapBuilder::SparseQuadrantMapBuilder() {}
+
+SparseQuadrantMapBuilder::SparseQuadrantMapBuilder(const SparseQuadrantMapBuilder& other) : MapBuilder(other) {}
+
+SparseQuadrantMapBuilder& SparseQuadrantMapBuilder::operator=(const SparseQuadrantMapBuilder& other) {
+  if (this == &other) {
+    DEWARP_LOG_WARN("Self assignment of %s object\n", "SparseQuadrantMapBuilder");
+  }
+  return *this;
+}
+
+SparseQuadrantMapBuilder::~SparseQuadrantMapBuilder() {}
+
+// Quadrant-lattice scheme: the crop rectangle is divided at its centre pixel into four
+// quadrants; in each, lattice lines run from the centre row and column outward every 4 pixels
+// and end on the rectangle's edges, so the centre cross (the lens axis of a projection map)
+// and the borders are exact. The functor is evaluated at the lattice crossings; each cell is
+// filled by bilinear interpolation of its corners after a check: the functor is also evaluated
+// at the cell's middle pixel, and a cell whose interpolated middle misses it by more than 1/8
+// source pixel, or which has a corner that is not a coordinate, is evaluated pixel by pixel.
+// Smooth regions thus cost about one call in eight; strongly curved ones are exact.
+ImageMap* SparseQuadrantMapBuilder::BuildImageMap(const Resolution& obInputResolution,
+                                                  const Resolution& obOutputResolution, MapFunctor& pfnMapping,
+                                                  const Resolution& obCrop) {
+  std::unique_ptr<ImageMap> pobResult(NewImageMap(obInputResolution, obOutputResolution));
+  const MapPlanes obPlanes = GetPlanes(*pobResult);
+  const CropGrid obGrid = GetCropGrid(obOutputResolution, obCrop, obPlanes);
+  BuildLattice(obPlanes, obGrid, pfnMapping, obInputResolution.Centre(), QuadrantLines(obGrid.nCols),
+               QuadrantLines(obGrid.nRows), kThreshold);
+  return pobResult.release();
+}
+
+}  // namespace libdewarp
+}  // namespace vemo

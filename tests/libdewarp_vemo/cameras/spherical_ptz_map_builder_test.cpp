@@ -1,0 +1,133 @@
+// Spherical PTZ map builder: one, two and four panes over a base map.
+#include <cmath>
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include <libdewarp_vemo/image_map.h>
+#include <libdewarp_vemo/ptz_position.h>
+#include <libdewarp_vemo/resolution.h>
+#include <libdewarp_vemo/sparse_map_builder.h>
+#include <libdewarp_vemo/spherical_ptz_functor.h>
+#include <libdewarp_vemo/spherical_ptz_map_builder.h>
+
+#include "cameras_test_support.h"
+#include "log_capture.h"
+
+using namespace vemo::libdewarp;
+using cameras_test::AffineMap;
+using cameras_test::SameElements;
+
+namespace {
+
+const float kFocal = 150.0f;
+
+PtzPosition Position(float yaw, float pitch, float zoom) { return PtzPosition(EulerAngles(yaw, pitch, 0.0f), zoom); }
+
+// A smooth base map over a 400 x 300 source: the source point moves one pixel per element,
+// centred on the source centre.
+std::unique_ptr<ImageMap> Base(int cols, int rows) {
+  return AffineMap(cols, rows, Vector2d(400.0f, 300.0f), 200.0f - 0.5f * cols, 1.0f, 150.0f - 0.5f * rows, 1.0f);
+}
+
+// The pane that the builder should have made: the sparse builder run directly on the functor
+// over the base map, with the pane size as output.
+std::unique_ptr<ImageMap> DirectPane(const ImageMap& base, const PtzPosition& position, const Resolution& pane) {
+  SphericalPtzFunctor functor(position, kFocal, base);
+  SparseMapBuilder sparse;
+  return std::unique_ptr<ImageMap>(sparse.BuildImageMap(Resolution(base.GetInputSize()), pane, functor, pane));
+}
+
+bool RowIsNan(const ImageMap& map, int row) {
+  for (int x = 0; x < static_cast<int>(map.GetMapWidth()); ++x) {
+    const Vector2d v = map.GetMapItem(x, row);
+    if (!std::isnan(v.X) || !std::isnan(v.Y)) return false;
+  }
+  return true;
+}
+
+bool ColumnIsNan(const ImageMap& map, int col) {
+  for (int y = 0; y < static_cast<int>(map.GetMapHeight()); ++y) {
+    const Vector2d v = map.GetMapItem(col, y);
+    if (!std::isnan(v.X) || !std::isnan(v.Y)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+TEST(SphericalPtzMapBuilder, OnePaneEqualsTheSparseBuildOverTheBaseMapSizes) {
+  std::unique_ptr<ImageMap> base = Base(64, 48);
+  const PtzPosition position = Position(0.2f, -0.1f, 1.5f);
+  SphericalPtzMapBuilder builder;
+  std::unique_ptr<ImageMap> map(builder.BuildImageMap(*base, position, kFocal));
+  ASSERT_TRUE(map);
+  EXPECT_EQ(Vector2d(64.0f, 48.0f), map->GetMapSize());
+  EXPECT_EQ(Vector2d(400.0f, 300.0f), map->GetInputSize());
+  std::unique_ptr<ImageMap> direct = DirectPane(*base, position, Resolution(64, 48));
+  EXPECT_TRUE(SameElements(*direct, 0, 0, *map));
+}
+
+TEST(SphericalPtzMapBuilder, TwoPanesOf640By481AreEach640By240AndLastRowStaysNan) {
+  std::unique_ptr<ImageMap> base = Base(640, 481);
+  const PtzPosition top = Position(0.3f, 0.0f, 1.0f);
+  const PtzPosition bottom = Position(-0.4f, 0.2f, 2.0f);
+  SphericalPtzMapBuilder builder;
+  std::unique_ptr<ImageMap> map(builder.BuildImageMap(*base, top, bottom, kFocal));
+  ASSERT_TRUE(map);
+  EXPECT_EQ(Vector2d(640.0f, 481.0f), map->GetMapSize());
+  EXPECT_EQ(Vector2d(400.0f, 300.0f), map->GetInputSize());
+  // Pane 1 fills rows 0 to 239, pane 2 rows 240 to 479, each as built on its own at 640 x 240.
+  std::unique_ptr<ImageMap> pane1 = DirectPane(*base, top, Resolution(640, 240));
+  std::unique_ptr<ImageMap> pane2 = DirectPane(*base, bottom, Resolution(640, 240));
+  EXPECT_TRUE(SameElements(*map, 0, 0, *pane1));
+  EXPECT_TRUE(SameElements(*map, 0, 240, *pane2));
+  EXPECT_TRUE(RowIsNan(*map, 480));
+  EXPECT_FALSE(RowIsNan(*map, 479));
+  EXPECT_FALSE(RowIsNan(*map, 239));
+}
+
+TEST(SphericalPtzMapBuilder, FourPanesInReadingOrderWithOddSizesLeaveLastRowAndColumnNan) {
+  std::unique_ptr<ImageMap> base = Base(65, 49);
+  const PtzPosition p1 = Position(0.0f, 0.0f, 1.0f);
+  const PtzPosition p2 = Position(0.5f, 0.1f, 1.0f);
+  const PtzPosition p3 = Position(-0.5f, -0.1f, 2.0f);
+  const PtzPosition p4 = Position(1.0f, 0.2f, 1.5f);
+  SphericalPtzMapBuilder builder;
+  std::unique_ptr<ImageMap> map(builder.BuildImageMap(*base, p1, p2, p3, p4, kFocal));
+  ASSERT_TRUE(map);
+  EXPECT_EQ(Vector2d(65.0f, 49.0f), map->GetMapSize());
+  const Resolution pane(32, 24);
+  EXPECT_TRUE(SameElements(*map, 0, 0, *DirectPane(*base, p1, pane)));
+  EXPECT_TRUE(SameElements(*map, 32, 0, *DirectPane(*base, p2, pane)));
+  EXPECT_TRUE(SameElements(*map, 0, 24, *DirectPane(*base, p3, pane)));
+  EXPECT_TRUE(SameElements(*map, 32, 24, *DirectPane(*base, p4, pane)));
+  EXPECT_TRUE(RowIsNan(*map, 48));
+  EXPECT_TRUE(ColumnIsNan(*map, 64));
+  EXPECT_FALSE(ColumnIsNan(*map, 63));
+}
+
+TEST(SphericalPtzMapBuilder, PaneCentresLookInTheirOwnDirections) {
+  // With an identity-like base map the centre of each pane looks the base centre up and turns
+  // it by the pane's yaw: f * yaw to the right of the input centre.
+  std::unique_ptr<ImageMap> base = Base(64, 48);
+  SphericalPtzMapBuilder builder;
+  std::unique_ptr<ImageMap> map(builder.BuildImageMap(*base, Position(0.0f, 0.0f, 1.0f), Position(0.5f, 0.0f, 1.0f),
+                                                      Position(-0.5f, 0.0f, 1.0f), Position(1.0f, 0.0f, 1.0f), kFocal));
+  const int cx[] = {16, 48, 16, 48};
+  const int cy[] = {12, 12, 36, 36};
+  const float yaw[] = {0.0f, 0.5f, -0.5f, 1.0f};
+  for (int i = 0; i < 4; ++i) {
+    const Vector2d v = map->GetMapItem(cx[i], cy[i]);
+    EXPECT_NEAR(200.0 + kFocal * yaw[i], v.X, 0.5) << "pane " << i;
+    EXPECT_NEAR(150.0, v.Y, 0.5) << "pane " << i;
+  }
+}
+
+TEST(SphericalPtzMapBuilder, SelfAssignmentWarns) {
+  vemo::test::LogCapture cap(LOG_WARNING);
+  SphericalPtzMapBuilder builder;
+  SphericalPtzMapBuilder& alias = builder;
+  builder = alias;
+  EXPECT_EQ(1u, cap.count("Self assignment of SphericalPtzMapBuilder object\n"));
+}
