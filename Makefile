@@ -63,11 +63,22 @@ test-fuzz: build/fuzz/CMakeCache.txt
 digest: build-x86_64 build-i386
 	./scripts/compare-digests build/x86_64/bin/dewarp_digest build/i386/bin/dewarp_digest
 
+# The dewarp tool on the built-in sample: every view kind for a ceiling and a wall camera, one PNG
+# each and a labelled contact sheet in out/demo/ (the sheet is also copied to docs/ for the README).
+.PHONY: demo
+demo: deps build/x86_64/CMakeCache.txt
+	cmake build/x86_64 -DDEWARP_WERROR=$(DEWARP_WERROR) > /dev/null
+	cmake --build build/x86_64 -j $(JOBS) --target dewarp
+	build/x86_64/bin/dewarp --demo --out-dir out/demo
+	mkdir -p docs && cp out/demo/contact-sheet.png docs/contact-sheet.png
+
 test: deps
 	$(MAKE) test-x86_64
 	$(MAKE) test-i386
 	$(MAKE) digest
 	$(MAKE) test-asan
+	$(MAKE) test-tsan
+	$(MAKE) test-fuzz
 	@echo "make test: all trees passed"
 
 clean:

@@ -1,0 +1,11 @@
+set(DEWARP_VIEWS_SOURCES
+  view.cpp
+  single_panoramic_view.cpp
+  dual_panoramic_view.cpp
+  quad_panoramic_view.cpp
+  single_ptz_view.cpp
+  dual_ptz_view.cpp
+  quad_ptz_view.cpp
+  view_builder.cpp
+  view_cache.cpp
+)
