@@ -46,6 +46,14 @@ template <> float ConvertElement<float>(double value) { return static_cast<float
 template <> double ConvertElement<double>(double value) { return value; }
 
 
+// Truncation toward zero of a float as TruncateToInt does it for the same value.
+inline std::int32_t TruncateFloatToInt(float value) {
+  if (value >= -2147483648.0f && value < 2147483648.0f) {
+    return static_cast<std::int32_t>(value);
+  }
+  return std::numeric_limits<std::int32_t>::min();
+}
+
 }  // namespace
 
 Map::Map()
@@ -271,6 +279,16 @@ void Map::ConfigForFloat() const {
   m_fData = table;
 }
 
+Map::FloatPairTables Map::GetFloatPair(const Map& mapY) const {
+  FloatPairTables pair = {nullptr, nullptr, 0};
+  if (m_type == FLOAT && mapY.m_type == FLOAT && m_fData && mapY.m_fData) {
+    pair.x = m_fData;
+    pair.y = mapY.m_fData;
+    pair.count = std::min(m_nAllocated, mapY.m_nAllocated);
+  }
+  return pair;
+}
+
 bool Map::IsPairCompatible(const Map& mapY) const {
   return m_type == mapY.m_type && m_rows == mapY.m_rows && m_cols == mapY.m_cols;
 }
@@ -323,7 +341,22 @@ const float* Map::GetMergedBuffer<float>(const Map& mapY, unsigned int width, un
   const float fMaxY = static_cast<float>(height) - 1.0f;
   const std::size_t pixels = GetMergedPixelCount();
   float* table = Allocate<float>(2 * pixels, m_pobFMerged);
-  for (std::size_t i = 0; i < pixels; i += 2) {
+  const FloatPairTables direct = GetFloatPair(mapY);
+  std::size_t i = 0;
+  for (; i + 2 <= direct.count; i += 2) {
+    const float x0 = direct.x[i];
+    const float x1 = direct.x[i + 1];
+    const float y0 = direct.y[i];
+    const float y1 = direct.y[i + 1];
+    float* pair = table + 2 * i;
+    const bool inside = x0 >= 0.0f && x0 < fMaxX && x1 >= 0.0f && x1 < fMaxX && y0 >= 0.0f && y0 < fMaxY &&
+                        y1 >= 0.0f && y1 < fMaxY;
+    pair[0] = inside ? x0 : s_fBilinearOutside;
+    pair[1] = inside ? y0 : s_fBilinearOutside;
+    pair[2] = inside ? x1 : s_fBilinearOutside;
+    pair[3] = inside ? y1 : s_fBilinearOutside;
+  }
+  for (; i < pixels; i += 2) {
     const float x0 = static_cast<float>(ElementAsDouble(i));
     const float x1 = static_cast<float>(ElementAsDouble(i + 1));
     const float y0 = static_cast<float>(mapY.ElementAsDouble(i));
@@ -360,7 +393,21 @@ const std::uint32_t* Map::GetMergedBuffer<std::uint32_t>(const Map& mapY, unsign
   // another source size, so that every position read from it lies inside the frame.
   const std::size_t pixels = GetMergedPixelCount();
   std::uint32_t* table = Allocate<std::uint32_t>(2 * pixels, m_pobIMerged);
-  for (std::size_t i = 0; i < pixels; i += 2) {
+  const FloatPairTables direct = GetFloatPair(mapY);
+  std::size_t i = 0;
+  for (; i + 2 <= direct.count; i += 2) {
+    const std::uint32_t x0 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.x[i]));
+    const std::uint32_t x1 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.x[i + 1]));
+    const std::uint32_t y0 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.y[i]));
+    const std::uint32_t y1 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.y[i + 1]));
+    std::uint32_t* pair = table + 2 * i;
+    const bool inside = x0 < width && x1 < width && y0 < height && y1 < height;
+    pair[0] = inside ? x0 : s_uNearestOutside;
+    pair[1] = inside ? y0 : s_uNearestOutside;
+    pair[2] = inside ? x1 : s_uNearestOutside;
+    pair[3] = inside ? y1 : s_uNearestOutside;
+  }
+  for (; i < pixels; i += 2) {
     const std::uint32_t x0 = static_cast<std::uint32_t>(TruncateToInt(ElementAsDouble(i)));
     const std::uint32_t x1 = static_cast<std::uint32_t>(TruncateToInt(ElementAsDouble(i + 1)));
     const std::uint32_t y0 = static_cast<std::uint32_t>(TruncateToInt(mapY.ElementAsDouble(i)));

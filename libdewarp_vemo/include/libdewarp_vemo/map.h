@@ -106,6 +106,14 @@ private:
 
   template <class T> T* Allocate(std::size_t count, std::shared_ptr<void>& holder) const;
   bool IsPairCompatible(const Map& mapY) const;
+  // The float tables of this map and mapY when both are FLOAT maps with tables, and the number of
+  // pixels that both hold: the merges read those directly and the rest element by element.
+  struct FloatPairTables {
+    const float* x;
+    const float* y;
+    std::size_t count;
+  };
+  FloatPairTables GetFloatPair(const Map& mapY) const;
   void ReleaseAll();
   // Element `index` of the table of the map's type, or NaN past the allocated elements.
   double ElementAsDouble(std::size_t index) const;

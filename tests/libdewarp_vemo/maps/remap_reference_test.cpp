@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <random>
@@ -24,11 +25,14 @@ struct Geometry {
   std::uint32_t w, h, s;
 };
 
-remap_reference::Maps RandomMaps(std::mt19937& rng, std::uint32_t w, std::uint32_t h, const Geometry& src) {
+// Random maps: each value is one of the edge cases (NaN, negative, on and past the edges) with a
+// chance of 7 in `spread`, otherwise a position inside the source.
+remap_reference::Maps RandomMaps(std::mt19937& rng, std::uint32_t w, std::uint32_t h, const Geometry& src,
+                                 int spread = 20) {
   remap_reference::Maps m;
   m.width = w;
   m.height = h;
-  std::uniform_int_distribution<int> kind(0, 19);
+  std::uniform_int_distribution<int> kind(0, spread - 1);
   std::uniform_real_distribution<float> inside(0.0f, 1.0f);
   auto value = [&](std::uint32_t size) -> float {
     const float extent = static_cast<float>(size);
@@ -158,6 +162,142 @@ TEST(RemapReferenceTest, LargerFrameThroughASmoothMap) {
     RandomBytes(rng, expected.bytes);
     remap_reference::Frame actual = expected;
     ImagePlanar420 srcImage(YUV420_PLANAR_IMAGE, src.bytes.data(), sw, sh, sw, false);
+    ImagePlanar420 dstImage(YUV420_PLANAR_IMAGE, actual.bytes.data(), dw, dh, dw, false);
+    ImageMap map = ToImageMap(maps);
+    map.Remap(srcImage, dstImage, mode);
+    if (mode == NEAREST_NEIGHBOUR_INTERPOLATION) {
+      remap_reference::Nearest(src, expected, maps);
+    } else {
+      remap_reference::Bilinear(src, expected, maps);
+    }
+    EXPECT_EQ(expected.bytes, actual.bytes) << mode;
+  }
+}
+
+namespace {
+
+// Runs one mode through the engine and the reference on frames wide enough for the block loops
+// to take whole groups of columns, with maps mostly inside the source (so that groups with every
+// block inside occur, next to groups with one block outside), and checks both byte for byte.
+// Returns the number of cases compared.
+int CompareWide(DEWARP_INTERPOLATION mode, int spread) {
+  const Geometry sources[] = {{40, 30, 40}, {41, 29, 44}, {64, 48, 70}, {33, 8, 33}, {17, 17, 18}};
+  const std::uint32_t widths[] = {8, 14, 16, 18, 24, 26, 34, 40, 48, 9, 25};
+  const std::uint32_t heights[] = {2, 3, 4, 7, 10};
+  const std::uint32_t extra[] = {0, 3};
+  std::mt19937 rng(777u + static_cast<unsigned>(mode) * 31u + static_cast<unsigned>(spread));
+  int cases = 0;
+  for (const Geometry& g : sources) {
+    for (std::uint32_t w : widths) {
+      for (std::uint32_t h : heights) {
+        for (std::uint32_t e : extra) {
+          remap_reference::Frame src(g.w, g.h, g.s);
+          RandomBytes(rng, src.bytes);
+          remap_reference::Frame expected(w, h, w + e);
+          RandomBytes(rng, expected.bytes);
+          remap_reference::Frame actual = expected;
+          const remap_reference::Maps maps = RandomMaps(rng, w, h, g, spread);
+          ImagePlanar420 srcImage(YUV420_PLANAR_IMAGE, src.bytes.data(), g.w, g.h, g.s, false);
+          ImagePlanar420 dstImage(YUV420_PLANAR_IMAGE, actual.bytes.data(), w, h, w + e, false);
+          ImageMap map = ToImageMap(maps);
+          map.Remap(srcImage, dstImage, mode);
+          if (mode == NEAREST_NEIGHBOUR_INTERPOLATION) {
+            remap_reference::Nearest(src, expected, maps);
+          } else {
+            remap_reference::Bilinear(src, expected, maps);
+          }
+          EXPECT_EQ(expected.bytes, actual.bytes) << "source " << g.w << "x" << g.h << "/" << g.s << " destination "
+                                                  << w << "x" << h << "/" << w + e << " spread " << spread;
+          ++cases;
+        }
+      }
+    }
+  }
+  return cases;
+}
+
+}  // namespace
+
+TEST(RemapReferenceTest, NearestOnWideFramesMatchesTheReference) {
+  EXPECT_EQ(550, CompareWide(NEAREST_NEIGHBOUR_INTERPOLATION, 400));
+  EXPECT_EQ(550, CompareWide(NEAREST_NEIGHBOUR_INTERPOLATION, 60));
+}
+
+TEST(RemapReferenceTest, BilinearOnWideFramesMatchesTheReference) {
+  EXPECT_EQ(550, CompareWide(LINEAR_INTERPOLATION, 400));
+  EXPECT_EQ(550, CompareWide(LINEAR_INTERPOLATION, 60));
+}
+
+TEST(RemapReferenceTest, CubicLeavesTheDestinationAsItWas) {
+  // Cubic interpolation is not supported: whatever the maps hold, every byte of the destination
+  // stays as it was, for small and wide frames alike.
+  std::mt19937 rng(4242u);
+  const Geometry g{40, 30, 40};
+  for (std::uint32_t w : {1u, 7u, 16u, 34u}) {
+    for (std::uint32_t h : {1u, 2u, 5u}) {
+      remap_reference::Frame src(g.w, g.h, g.s);
+      RandomBytes(rng, src.bytes);
+      remap_reference::Frame actual(w, h, w + 1);
+      RandomBytes(rng, actual.bytes);
+      const std::vector<std::uint8_t> before = actual.bytes;
+      ImagePlanar420 srcImage(YUV420_PLANAR_IMAGE, src.bytes.data(), g.w, g.h, g.s, false);
+      ImagePlanar420 dstImage(YUV420_PLANAR_IMAGE, actual.bytes.data(), w, h, w + 1, false);
+      ImageMap map = ToImageMap(RandomMaps(rng, w, h, g, 400));
+      map.Remap(srcImage, dstImage, CUBIC_INTERPOLATION);
+      EXPECT_EQ(before, actual.bytes) << w << "x" << h;
+    }
+  }
+}
+
+TEST(RemapReferenceTest, SourcesBeyondTheBlockLoopsLimitsMatchTheReference) {
+  // A source stride or height of 32768 and more takes the per-block loop; the result is the same.
+  const Geometry sources[] = {{40, 4, 32770}, {6, 32770, 6}};
+  std::mt19937 rng(99u);
+  for (const Geometry& g : sources) {
+    for (DEWARP_INTERPOLATION mode : {NEAREST_NEIGHBOUR_INTERPOLATION, LINEAR_INTERPOLATION}) {
+      remap_reference::Frame src(g.w, g.h, g.s);
+      RandomBytes(rng, src.bytes);
+      remap_reference::Frame expected(32, 6, 32);
+      RandomBytes(rng, expected.bytes);
+      remap_reference::Frame actual = expected;
+      const remap_reference::Maps maps = RandomMaps(rng, 32, 6, g, 400);
+      ImagePlanar420 srcImage(YUV420_PLANAR_IMAGE, src.bytes.data(), g.w, g.h, g.s, false);
+      ImagePlanar420 dstImage(YUV420_PLANAR_IMAGE, actual.bytes.data(), 32, 6, 32, false);
+      ImageMap map = ToImageMap(maps);
+      map.Remap(srcImage, dstImage, mode);
+      if (mode == NEAREST_NEIGHBOUR_INTERPOLATION) {
+        remap_reference::Nearest(src, expected, maps);
+      } else {
+        remap_reference::Bilinear(src, expected, maps);
+      }
+      EXPECT_EQ(expected.bytes, actual.bytes) << "source " << g.w << "x" << g.h << "/" << g.s << " mode " << mode;
+    }
+  }
+}
+
+TEST(RemapReferenceTest, SmoothFisheyeLikeMapMatchesTheReference) {
+  // A smooth, curved map like a dewarped view (rows of the output follow arcs of the source),
+  // partly outside the source, on a frame a few hundred pixels wide: long runs of whole groups.
+  const std::uint32_t sw = 300, sh = 280, dw = 256, dh = 144;
+  std::mt19937 rng(2024u);
+  remap_reference::Frame src(sw, sh, sw + 4);
+  RandomBytes(rng, src.bytes);
+  remap_reference::Maps maps;
+  maps.width = dw;
+  maps.height = dh;
+  for (std::uint32_t y = 0; y < dh; ++y) {
+    for (std::uint32_t x = 0; x < dw; ++x) {
+      const double a = (static_cast<double>(x) - dw / 2.0) / dw * 2.2;
+      const double r = 60.0 + 0.9 * y;
+      maps.x.push_back(static_cast<float>(sw / 2.0 + r * std::sin(a)));
+      maps.y.push_back(static_cast<float>(sh / 2.0 - 40.0 + r * std::cos(a) * 0.8));
+    }
+  }
+  for (DEWARP_INTERPOLATION mode : {NEAREST_NEIGHBOUR_INTERPOLATION, LINEAR_INTERPOLATION}) {
+    remap_reference::Frame expected(dw, dh, dw);
+    RandomBytes(rng, expected.bytes);
+    remap_reference::Frame actual = expected;
+    ImagePlanar420 srcImage(YUV420_PLANAR_IMAGE, src.bytes.data(), sw, sh, sw + 4, false);
     ImagePlanar420 dstImage(YUV420_PLANAR_IMAGE, actual.bytes.data(), dw, dh, dw, false);
     ImageMap map = ToImageMap(maps);
     map.Remap(srcImage, dstImage, mode);
