@@ -1,0 +1,3 @@
+#include "IDewarpRegister.h"
+
+IDewarpRegister::~IDewarpRegister() {}

@@ -1,0 +1,3 @@
+#include "IDewarper.h"
+
+IDewarper::~IDewarper() {}
