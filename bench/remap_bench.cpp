@@ -153,12 +153,19 @@ void OpenCv(benchmark::State& state, bool bilinear) {
 void BM_Ours_Nearest(benchmark::State& state) { Ours(state, NEAREST_NEIGHBOUR_INTERPOLATION); }
 void BM_OpenCV_Nearest(benchmark::State& state) { OpenCv(state, false); }
 void BM_Ours_Bilinear(benchmark::State& state) { Ours(state, LINEAR_INTERPOLATION); }
+// The SSE2 baseline alone (the kernels every x86 machine runs), for comparison with the widest.
+void BM_Ours_Bilinear_Sse2(benchmark::State& state) {
+  ImagePlanar420::SetKernelSet(ImagePlanar420::SSE2_KERNELS);
+  Ours(state, LINEAR_INTERPOLATION);
+  ImagePlanar420::SetKernelSet(ImagePlanar420::WIDEST_KERNELS);
+}
 void BM_OpenCV_Bilinear(benchmark::State& state) { OpenCv(state, true); }
 
 BENCHMARK(BM_Ours_Nearest)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_OpenCV_Nearest)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Ours_Bilinear)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_OpenCV_Bilinear)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ours_Bilinear_Sse2)->Unit(benchmark::kMillisecond);
 
 // Keeps the mean real time of each benchmark (milliseconds) for the summary.
 // Iteration runs are averaged; when only aggregates are reported, their mean is used.
@@ -221,6 +228,10 @@ int main(int argc, char** argv) {
                   cpu ? "cpu" : "real", ours, peer, peer > 0.0 ? ours / peer : 0.0);
     }
   }
+  const double sse2 = reporter.Mean("BM_Ours_Bilinear_Sse2", true);
+  const double peer = reporter.Mean("BM_OpenCV_Bilinear", true);
+  std::printf("Bilinear-SSE2 cpu  ours %8.3f ms/frame   OpenCV %8.3f ms/frame   ours/OpenCV %.2f\n", sse2, peer,
+              peer > 0.0 ? sse2 / peer : 0.0);
   benchmark::Shutdown();
   return 0;
 }

@@ -1,5 +1,6 @@
 set(DEWARP_BUILDERS_SOURCES
   map_builder.cpp
+  map_builder_lattice.cpp
   linear_map_builder.cpp
   grid_map_builder.cpp
   sparse_map_builder.cpp

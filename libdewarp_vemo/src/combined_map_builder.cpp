@@ -45,9 +45,15 @@ ImageMap* CombinedMapBuilder::BuildImageMap(const ImageMap& obFirstMap, const Im
   const Vector2d obIntermediateResolution = obSecondMap.GetMapSize();
   const Vector2d obInputResolution = obSecondMap.GetInputSize();
 
+  // Every element of the result is written below (a source or none), unless the first map's
+  // tables hold fewer elements than its size says; only then is the result filled first.
+  const MapPlanes obFirst = GetPlanes(const_cast<ImageMap&>(obFirstMap));
+  const bool bWritesAll = obFirst.nWidth == static_cast<int>(obOutputResolution.X) &&
+                          obFirst.nHeight == static_cast<int>(obOutputResolution.Y);
   std::unique_ptr<ImageMap> pobResult;
   try {
-    pobResult.reset(new (std::nothrow) ImageMap(obOutputResolution));
+    pobResult.reset(bWritesAll ? NewUnfilledImageMap(Resolution(obInputResolution), Resolution(obOutputResolution))
+                               : new ImageMap(obOutputResolution));
   } catch (const std::bad_alloc&) {
     pobResult.reset();
   }
@@ -58,45 +64,52 @@ ImageMap* CombinedMapBuilder::BuildImageMap(const ImageMap& obFirstMap, const Im
   pobResult->SetInputSize(obInputResolution);
 
   const MapPlanes obResult = GetPlanes(*pobResult);
-  const MapPlanes obFirst = GetPlanes(const_cast<ImageMap&>(obFirstMap));
   const MapPlanes obSecond = GetPlanes(const_cast<ImageMap&>(obSecondMap));
   const float fWidth = obIntermediateResolution.X;
   const float fHeight = obIntermediateResolution.Y;
-  auto inside = [fWidth, fHeight](float fX, float fY) {
-    return FloatingPoint::is_greaterequal(fX, 0.0f) && FloatingPoint::is_less(fX, fWidth) &&
-           FloatingPoint::is_greaterequal(fY, 0.0f) && FloatingPoint::is_less(fY, fHeight);
+  // The two neighbouring whole coordinates of v, floor and ceiling, when both lie in
+  // [0, limit): the four corners of the bilinear lookup are then inside the second map. The
+  // floor of a non-negative value below 2^31 is its truncation, so no rounding call is needed;
+  // NaN fails the first test.
+  auto span = [](float v, float fLimit, int& nLow, int& nHigh) {
+    if (!(v >= 0.0f) || !(v < fLimit)) {
+      return false;
+    }
+    nLow = static_cast<int>(v);
+    nHigh = nLow + (v > static_cast<float>(nLow) ? 1 : 0);
+    return static_cast<float>(nHigh) < fLimit;
   };
   const int nRows = obResult.nHeight < obFirst.nHeight ? obResult.nHeight : obFirst.nHeight;
   const int nCols = obResult.nWidth < obFirst.nWidth ? obResult.nWidth : obFirst.nWidth;
+  const float fNoSource = NoSource();
   for (int Y = 0; Y < nRows; ++Y) {
+    const float* const pfFirstX = obFirst.pfX + Y * obFirst.nWidth;
+    const float* const pfFirstY = obFirst.pfY + Y * obFirst.nWidth;
+    float* const pfResultX = obResult.pfX + Y * obResult.nWidth;
+    float* const pfResultY = obResult.pfY + Y * obResult.nWidth;
     for (int X = 0; X < nCols; ++X) {
-      const float fX = obFirst.pfX[Y * obFirst.nWidth + X];
-      const float fY = obFirst.pfY[Y * obFirst.nWidth + X];
-      const float fCeilX = FloatingPoint::ceiling(fX);
-      const float fCeilY = FloatingPoint::ceiling(fY);
-      const float fFloorX = FloatingPoint::floor(fX);
-      const float fFloorY = FloatingPoint::floor(fY);
-      // obSrc1 = (ceil, ceil), obSrc2 = (floor, floor), obSrc3 = (floor, ceil), obSrc4 = (ceil, floor).
-      if (!inside(fCeilX, fCeilY) || !inside(fFloorX, fFloorY) || !inside(fFloorX, fCeilY) ||
-          !inside(fCeilX, fFloorY)) {
-        continue;
-      }
-      const int nLeft = static_cast<int>(fFloorX);
-      const int nRight = static_cast<int>(fCeilX);
-      const int nTop = static_cast<int>(fFloorY);
-      const int nBottom = static_cast<int>(fCeilY);
+      const float fX = pfFirstX[X];
+      const float fY = pfFirstY[X];
+      int nLeft, nRight, nTop, nBottom;
       // The intermediate size is the second map's size, so the corners index its tables.
-      if (nRight >= obSecond.nWidth || nBottom >= obSecond.nHeight) {
+      if (!span(fX, fWidth, nLeft, nRight) || !span(fY, fHeight, nTop, nBottom) || nRight >= obSecond.nWidth ||
+          nBottom >= obSecond.nHeight) {
+        pfResultX[X] = fNoSource;
+        pfResultY[X] = fNoSource;
         continue;
       }
-      auto item = [&obSecond](int nColumn, int nRow) {
-        const int nIndex = nRow * obSecond.nWidth + nColumn;
-        return Vector2d(obSecond.pfX[nIndex], obSecond.pfY[nIndex]);
-      };
-      const Vector2d obBlend = Bilinear(item(nLeft, nTop), item(nRight, nTop), item(nLeft, nBottom),
-                                        item(nRight, nBottom), fX - fFloorX, fY - fFloorY);
-      obResult.pfX[Y * obResult.nWidth + X] = obBlend.X;
-      obResult.pfY[Y * obResult.nWidth + X] = obBlend.Y;
+      // Bilinear blend of the four corners, weights and sums in the order of MapBuilder::Bilinear.
+      const float fFractionX = fX - static_cast<float>(nLeft);
+      const float fFractionY = fY - static_cast<float>(nTop);
+      const float fTopLeft = (1.0f - fFractionX) * (1.0f - fFractionY);
+      const float fTopRight = fFractionX * (1.0f - fFractionY);
+      const float fBottomLeft = (1.0f - fFractionX) * fFractionY;
+      const float fBottomRight = fFractionX * fFractionY;
+      const int nTopRow = nTop * obSecond.nWidth, nBottomRow = nBottom * obSecond.nWidth;
+      pfResultX[X] = fTopLeft * obSecond.pfX[nTopRow + nLeft] + fTopRight * obSecond.pfX[nTopRow + nRight] +
+                     fBottomLeft * obSecond.pfX[nBottomRow + nLeft] + fBottomRight * obSecond.pfX[nBottomRow + nRight];
+      pfResultY[X] = fTopLeft * obSecond.pfY[nTopRow + nLeft] + fTopRight * obSecond.pfY[nTopRow + nRight] +
+                     fBottomLeft * obSecond.pfY[nBottomRow + nLeft] + fBottomRight * obSecond.pfY[nBottomRow + nRight];
     }
   }
   return pobResult.release();

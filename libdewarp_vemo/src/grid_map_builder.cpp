@@ -18,18 +18,7 @@ namespace {
 // Distance between lattice lines, in pixels.
 const int kSpacing = 8;
 
-// Lines at 0, kSpacing, 2 kSpacing, ... and always at the last pixel.
-std::vector<int> GridLines(int nCount) {
-  std::vector<int> anLines;
-  if (nCount <= 0) {
-    return anLines;
-  }
-  for (int n = 0; n < nCount - 1; n += kSpacing) {
-    anLines.push_back(n);
-  }
-  anLines.push_back(nCount - 1);
-  return anLines;
-}
+std::vector<int> GridLines(int nCount) { return MapBuilder::LatticeLines(nCount, kSpacing); }
 
 }  // namespace
 
@@ -55,12 +44,8 @@ GridMapBuilder::~GridMapBuilder() {}
 ImageMap* GridMapBuilder::BuildImageMap(const Resolution& obInputResolution,
                                         const Resolution& obOutputResolution, MapFunctor& pfnMapping,
                                         const Resolution& obCrop) {
-  std::unique_ptr<ImageMap> pobResult(NewImageMap(obInputResolution, obOutputResolution));
-  const MapPlanes obPlanes = GetPlanes(*pobResult);
-  const CropGrid obGrid = GetCropGrid(obOutputResolution, obCrop, obPlanes);
-  BuildLattice(obPlanes, obGrid, pfnMapping, obInputResolution.Centre(), GridLines(obGrid.nCols),
-               GridLines(obGrid.nRows), std::numeric_limits<float>::infinity());
-  return pobResult.release();
+  return BuildOnLattice(obInputResolution, obOutputResolution, pfnMapping, obCrop, GridLines,
+                        std::numeric_limits<float>::infinity());
 }
 
 }  // namespace libdewarp

@@ -2,10 +2,11 @@
 
 #include <libdewarp_vemo/map.h>
 
-#include "remap_420_blocks.h"
+#include "remap_420_groups.h"
 
-
+#include <atomic>
 #include <cstddef>
+#include <type_traits>
 #include <typeinfo>
 
 namespace vemo {
@@ -75,10 +76,6 @@ inline bool Group(const Planes& s, const RowPair& o, const std::uint32_t* t, con
                   __m128i lumaMultiplier, __m128i chromaMultiplier) {
   return remap420::NearestGroup(s, o, t, b, c, lumaMultiplier, chromaMultiplier);
 }
-inline bool Group(const Planes& s, const RowPair& o, const float* t, const float* b, std::uint32_t c,
-                  __m128i lumaMultiplier, __m128i chromaMultiplier) {
-  return remap420::BilinearGroup(s, o, t, b, c, lumaMultiplier, chromaMultiplier);
-}
 
 // What a remap walks: both frames, the merged table (two values per pixel), the destination's
 // luma row pitch, width and number of row pairs.
@@ -131,7 +128,8 @@ inline void GroupRow(const Walk<T>& w, const RowPair& o, std::size_t r, GroupFun
   }
 }
 
-// Even widths over sources that the group kernels serve: eight columns at a time.
+// Even widths over sources that the group kernels serve: eight columns at a time (nearest
+// neighbour; the bilinear path walks its own group table).
 template <class T>
 void GroupRows(const Walk<T>& w) {
   const __m128i luma = remap420::OffsetMultiplier(w.s.stride);
@@ -144,10 +142,20 @@ void GroupRows(const Walk<T>& w) {
   }
 }
 
+// Whether the per-block loops need their checked variant: odd widths, and sources whose last
+// chroma samples lie past the end of the frame (or without a buffer, which nothing reads).
+bool NeedsCheckedBlocks(const Image& dst, const Image& src) {
+  if (src.GetImage() == nullptr) {
+    return true;
+  }
+  const Planes s = remap420::GetPlanes(src.GetImage(), src.GetStride(), src.GetHeight());
+  return (dst.GetWidth() & 1u) != 0 || !SourceChromaFits(s, src.GetWidth(), src.GetHeight());
+}
+
 // Walks the row pairs of a destination through the merged table, with the group kernels where
 // they serve and the scalar kernels elsewhere.
 template <class T>
-void RemapRowPairs(const Image& dst, const Image& src, const T* table, std::size_t lumaPitch) {
+void RemapRowPairs(const Image& dst, const Image& src, const T* table, std::size_t lumaPitch, bool groups) {
   Walk<T> w;
   w.d = remap420::GetPlanes(dst.GetImage(), dst.GetStride(), dst.GetHeight());
   w.s = remap420::GetPlanes(src.GetImage(), src.GetStride(), src.GetHeight());
@@ -155,17 +163,90 @@ void RemapRowPairs(const Image& dst, const Image& src, const T* table, std::size
   w.lumaPitch = lumaPitch;
   w.width = dst.GetWidth();
   w.rowPairs = dst.GetHeight() / 2;
-  const bool odd = (w.width & 1u) != 0 || !SourceChromaFits(w.s, src.GetWidth(), src.GetHeight());
-  if (odd) {
+  if (NeedsCheckedBlocks(dst, src)) {
     ScalarRows<true>(w);
-  } else if (!GroupKernelsFit(src)) {
+  } else if (!groups || !GroupKernelsFit(src)) {
     ScalarRows<false>(w);
-  } else {
+  } else if constexpr (std::is_same<T, std::uint32_t>::value) {
     GroupRows(w);
+  } else {
+    ScalarRows<false>(w);
   }
 }
 
+// Which kernels the remaps may use (ImagePlanar420::KernelSet), process-wide.
+std::atomic<int> g_kernelSet(ImagePlanar420::WIDEST_KERNELS);
+
 }  // namespace
+
+namespace remap420 {
+
+void BilinearGroupByBlocks(const GroupWalk& w, const RowPair& o, const float* group, std::uint32_t c) {
+  for (std::uint32_t k = 0; k < 8 && c + 2 * k < w.width; ++k) {
+    // The block's top pair (top-left, top-right pixel) and bottom pair, as the scalar kernel
+    // takes them.
+    const float t[4] = {group[k], group[8 + k], group[16 + k], group[24 + k]};
+    const float b[4] = {group[32 + k], group[40 + k], group[48 + k], group[56 + k]};
+    BilinearBlock<false>(w.d, w.s, o, t, b, w.width, c + 2 * k);
+  }
+}
+
+void BilinearGroupRowsSse2(const GroupWalk& w) {
+  const __m128i luma = OffsetMultiplier(w.s.stride);
+  const __m128i chroma = OffsetMultiplier(w.s.blocks);
+  for (std::size_t r = 0; r < w.rowPairs; ++r) {
+    const RowPair o = GetRowPair(w.d, w.lumaPitch, r);
+    for (std::size_t g = 0; g < w.groups; ++g) {
+      const float* group = w.Group(r, g);
+      const std::uint32_t c = static_cast<std::uint32_t>(g * Map::s_uBilinearGroupColumns);
+      if (!BilinearGroup16(w.s, o, group, c, luma, chroma)) {
+        BilinearGroupByBlocks(w, o, group, c);
+      }
+    }
+  }
+}
+
+// 32-bit builds keep to the SSE2 kernels. Their AVX2 kernel crashed under the 32-bit emulator
+// these builds are tested with, and without a 32-bit machine at hand a fault of the emulator
+// cannot be told from one of ours, so it is not offered to 32-bit hosts.
+bool ProcessorHasAvx2() {
+#if defined(__i386__)
+  return false;
+#else
+  static const bool has = __builtin_cpu_supports("avx2") != 0;
+  return has;
+#endif
+}
+
+bool ProcessorHasAvx512() {
+  static const bool has = ProcessorHasAvx2() && __builtin_cpu_supports("avx512f") != 0 &&
+                          __builtin_cpu_supports("avx512bw") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
+                          __builtin_cpu_supports("avx512vl") != 0;
+  return has;
+}
+
+}  // namespace remap420
+
+void ImagePlanar420::SetKernelSet(KernelSet set) {
+  g_kernelSet.store(set);
+}
+
+ImagePlanar420::KernelSet ImagePlanar420::GetKernelSet() {
+  return static_cast<KernelSet>(g_kernelSet.load());
+}
+
+bool ImagePlanar420::IsKernelSetSupported(KernelSet set) {
+  switch (set) {
+    case WIDEST_KERNELS:
+    case SSE2_KERNELS:
+      return true;
+    case AVX2_KERNELS:
+      return remap420::ProcessorHasAvx2();
+    case AVX512_KERNELS:
+      return remap420::ProcessorHasAvx512();
+  }
+  return false;
+}
 
 bool ImagePlanar420::NnInterpolation(const Image& src, const Map& mapX, const Map& mapY) {
   const ImagePlanar420& source = dynamic_cast<const ImagePlanar420&>(src);
@@ -179,21 +260,48 @@ bool ImagePlanar420::NnInterpolation(const Image& src, const Map& mapX, const Ma
     return true;
   }
   // Destination luma rows at the stride.
-  RemapRowPairs(*this, source, table, m_stride);
+  RemapRowPairs(*this, source, table, m_stride, true);
   return true;
 }
 
 bool ImagePlanar420::LinearInterpolation(const Image& src, const Map& mapX, const Map& mapY) {
   const ImagePlanar420& source = dynamic_cast<const ImagePlanar420&>(src);
-  const float* table = mapX.GetMergedBuffer<float>(mapY, source.m_width, source.m_height);
+  // Frames that the group kernels serve take the group table, every other frame the
+  // interleaved one (both kept in the x map's float merge slot, built on first use).
+  const bool groups = mapX.GetCols() == m_width && !NeedsCheckedBlocks(*this, source) && GroupKernelsFit(source);
+  const float* table = groups ? mapX.GetBilinearGroupBuffer(mapY, source.m_width, source.m_height)
+                              : mapX.GetMergedBuffer<float>(mapY, source.m_width, source.m_height);
   if (m_height < 2) {
     return true;
   }
   if (!table || mapX.GetRows() != m_height || mapX.GetCols() != m_width || !Usable(*this) || !Usable(source)) {
     return true;
   }
-  // Destination luma rows at a pitch of the width.
-  RemapRowPairs(*this, source, table, m_width);
+  if (!groups) {
+    // Destination luma rows at a pitch of the width.
+    RemapRowPairs(*this, source, table, m_width, false);
+    return true;
+  }
+  remap420::GroupWalk w;
+  w.d = remap420::GetPlanes(m_image, m_stride, m_height);
+  w.s = remap420::GetPlanes(source.m_image, source.m_stride, source.m_height);
+  w.table = table;
+  w.groups = (m_width + Map::s_uBilinearGroupColumns - 1) / Map::s_uBilinearGroupColumns;
+  w.lumaPitch = m_width;  // destination luma rows at a pitch of the width
+  w.width = m_width;
+  w.rowPairs = m_height / 2;
+  // The kernels are chosen once for the whole frame: the widest allowed that the processor
+  // runs.
+  const KernelSet set = GetKernelSet();
+  const bool avx512 = set == WIDEST_KERNELS || set == AVX512_KERNELS;
+  const bool avx2 = avx512 || set == AVX2_KERNELS;
+  if (avx512 && remap420::ProcessorHasAvx512()) {
+    remap420::BilinearGroupRowsAvx512(w);
+  } else if (avx2 && remap420::ProcessorHasAvx2()) {
+    remap420::BilinearGroupRowsAvx2(w);
+  } else {
+    remap420::BilinearGroupRowsSse2(w);
+  }
   return true;
 }
 

@@ -31,7 +31,10 @@ ImageMap* LinearMapBuilder::BuildImageMap(const Resolution& obInputResolution,
                                           const Resolution& obOutputResolution, MapFunctor& pfnMapping,
                                           const Resolution& obCrop) {
   const Vector2d obInputOffset = obInputResolution.Centre();
-  std::unique_ptr<ImageMap> pobResult(NewImageMap(obInputResolution, obOutputResolution));
+  // A crop that covers the output writes every element, so the tables need no fill first.
+  std::unique_ptr<ImageMap> pobResult(CropCoversOutput(obOutputResolution, obCrop)
+                                          ? NewUnfilledImageMap(obInputResolution, obOutputResolution)
+                                          : NewImageMap(obInputResolution, obOutputResolution));
   const MapPlanes obPlanes = GetPlanes(*pobResult);
   const CropGrid obGrid = GetCropGrid(obOutputResolution, obCrop, obPlanes);
   for (int j = 0; j < obGrid.nRows; ++j) {

@@ -1,6 +1,10 @@
 #include <libdewarp_vemo/map.h>
 
+#include "table_memory.h"
+
 #include <libdewarp_vemo/log.h>
+
+#include <emmintrin.h>
 
 #include <algorithm>
 #include <cfloat>
@@ -15,6 +19,8 @@ namespace libdewarp {
 const std::int32_t Map::s_nIntegerOutside = std::numeric_limits<std::int32_t>::min();
 const std::uint32_t Map::s_uNearestOutside = 0xFFFFFFFFu;
 const float Map::s_fBilinearOutside = FLT_MAX;
+const unsigned int Map::s_uBilinearGroupColumns;
+const unsigned int Map::s_uBilinearGroupFloats;
 
 namespace {
 
@@ -119,9 +125,11 @@ std::size_t Map::GetMergedPixelCount() const {
 }
 
 template <class T> T* Map::Allocate(std::size_t count, std::shared_ptr<void>& holder) const {
-  T* array = new T[count];
-  holder = std::shared_ptr<void>(array, [](void* p) { delete[] static_cast<T*>(p); });
-  return array;
+  if (count > static_cast<std::size_t>(-1) / sizeof(T)) {
+    throw std::bad_alloc();
+  }
+  holder = table_memory::Allocate(count * sizeof(T));
+  return static_cast<T*>(holder.get());
 }
 
 void Map::ReleaseAll() {
@@ -142,6 +150,14 @@ void Map::ReleaseAll() {
 }
 
 void Map::Reset(MAP_TYPE type, unsigned int cols, unsigned int rows) {
+  ResetTable(type, cols, rows, true);
+}
+
+void Map::ResetUnfilled(MAP_TYPE type, unsigned int cols, unsigned int rows) {
+  ResetTable(type, cols, rows, false);
+}
+
+void Map::ResetTable(MAP_TYPE type, unsigned int cols, unsigned int rows, bool bFillAll) {
   ReleaseAll();
   m_type = type;
   m_cols = cols;
@@ -171,7 +187,8 @@ void Map::Reset(MAP_TYPE type, unsigned int cols, unsigned int rows) {
   // The fill value 0x7fffffff: only its low byte counts, so every byte becomes 0xFF, which
   // reads as NaN in a float or double table and as -1 in an integer table.
   const std::size_t elementSize = type == INTEGER ? sizeof(std::int32_t) : type == FLOAT ? sizeof(float) : sizeof(double);
-  std::memset(bytes, 0x7fffffff, padded * elementSize);
+  const std::size_t first = bFillAll ? 0 : m_nAllocated;
+  std::memset(static_cast<unsigned char*>(bytes) + first * elementSize, 0x7fffffff, (padded - first) * elementSize);
 }
 
 void Map::Reset() {
@@ -426,6 +443,102 @@ const std::uint32_t* Map::GetMergedBuffer<std::uint32_t>(const Map& mapY, unsign
   m_eIntMergedKind = MERGED_NEAREST;
   m_uIntMergedWidth = width;
   m_uIntMergedHeight = height;
+  return table;
+}
+
+namespace {
+
+// Bounds of the interpolable area: 0 <= x < maxX and 0 <= y < maxY (a NaN fails both).
+struct BilinearBounds {
+  float maxX;
+  float maxY;
+  bool Inside(float x, float y) const { return x >= 0.0f && x < maxX && y >= 0.0f && y < maxY; }
+};
+
+// One row of a group (16 pixels, eight pairs) from the float tables at x and y: even pixels'
+// x and y, odd pixels' x and y, each pair kept only when both its pixels are inside.
+void FillGroupRow(float* out, const float* x, const float* y, const BilinearBounds& bounds) {
+  const __m128 zero = _mm_setzero_ps();
+  const __m128 maxX = _mm_set1_ps(bounds.maxX);
+  const __m128 maxY = _mm_set1_ps(bounds.maxY);
+  const __m128 marker = _mm_set1_ps(Map::s_fBilinearOutside);
+  for (int h = 0; h < 2; ++h) {
+    const __m128 x0 = _mm_loadu_ps(x + 8 * h), x1 = _mm_loadu_ps(x + 8 * h + 4);
+    const __m128 y0 = _mm_loadu_ps(y + 8 * h), y1 = _mm_loadu_ps(y + 8 * h + 4);
+    const __m128 in0 = _mm_and_ps(_mm_and_ps(_mm_cmpge_ps(x0, zero), _mm_cmplt_ps(x0, maxX)),
+                                  _mm_and_ps(_mm_cmpge_ps(y0, zero), _mm_cmplt_ps(y0, maxY)));
+    const __m128 in1 = _mm_and_ps(_mm_and_ps(_mm_cmpge_ps(x1, zero), _mm_cmplt_ps(x1, maxX)),
+                                  _mm_and_ps(_mm_cmpge_ps(y1, zero), _mm_cmplt_ps(y1, maxY)));
+    const __m128 pair = _mm_and_ps(_mm_shuffle_ps(in0, in1, _MM_SHUFFLE(2, 0, 2, 0)),
+                                   _mm_shuffle_ps(in0, in1, _MM_SHUFFLE(3, 1, 3, 1)));
+    const __m128 outside = _mm_andnot_ps(pair, marker);
+    const __m128 values[4] = {_mm_shuffle_ps(x0, x1, _MM_SHUFFLE(2, 0, 2, 0)),
+                              _mm_shuffle_ps(y0, y1, _MM_SHUFFLE(2, 0, 2, 0)),
+                              _mm_shuffle_ps(x0, x1, _MM_SHUFFLE(3, 1, 3, 1)),
+                              _mm_shuffle_ps(y0, y1, _MM_SHUFFLE(3, 1, 3, 1))};
+    for (int k = 0; k < 4; ++k) {
+      _mm_storeu_ps(out + 8 * k + 4 * h, _mm_or_ps(_mm_and_ps(pair, values[k]), outside));
+    }
+  }
+}
+
+}  // namespace
+
+const float* Map::GetBilinearGroupBuffer(const Map& mapY, unsigned int width, unsigned int height) const {
+  if (!IsPairCompatible(mapY) || (m_cols & 1u) != 0) {
+    return nullptr;
+  }
+  if (m_fMergerdData && m_eFloatMergedKind == MERGED_BILINEAR_GROUPS && m_uFloatMergedWidth == width &&
+      m_uFloatMergedHeight == height) {
+    return m_fMergerdData;
+  }
+  const BilinearBounds bounds = {static_cast<float>(width) - 1.0f, static_cast<float>(height) - 1.0f};
+  const std::size_t cols = m_cols;
+  const std::size_t groups = (cols + s_uBilinearGroupColumns - 1) / s_uBilinearGroupColumns;
+  const std::size_t rowPairs = m_rows / 2;
+  const std::size_t count = rowPairs * groups * s_uBilinearGroupFloats;
+  // At least one element, so that an empty table is still a table.
+  float* table = Allocate<float>(count > 0 ? count : 1, m_pobFMerged);
+  const FloatPairTables direct = GetFloatPair(mapY);
+  for (std::size_t r = 0; r < rowPairs; ++r) {
+    for (std::size_t g = 0; g < groups; ++g) {
+      float* group = table + (r * groups + g) * s_uBilinearGroupFloats;
+      for (std::size_t half = 0; half < 2; ++half) {
+        float* out = group + 32 * half;
+        const std::size_t first = (2 * r + half) * cols + g * s_uBilinearGroupColumns;
+        if ((g + 1) * s_uBilinearGroupColumns <= cols && first + s_uBilinearGroupColumns <= direct.count) {
+          FillGroupRow(out, direct.x + first, direct.y + first, bounds);
+          continue;
+        }
+        // The last group of a row (columns past the width hold the marker) and maps read
+        // element by element.
+        for (std::size_t k = 0; k < 8; ++k) {
+          const std::size_t column = g * s_uBilinearGroupColumns + 2 * k;
+          float values[4] = {s_fBilinearOutside, s_fBilinearOutside, s_fBilinearOutside, s_fBilinearOutside};
+          if (column < cols) {
+            const std::size_t i = first + 2 * k;
+            const float x0 = static_cast<float>(ElementAsDouble(i));
+            const float x1 = static_cast<float>(ElementAsDouble(i + 1));
+            const float y0 = static_cast<float>(mapY.ElementAsDouble(i));
+            const float y1 = static_cast<float>(mapY.ElementAsDouble(i + 1));
+            if (bounds.Inside(x0, y0) && bounds.Inside(x1, y1)) {
+              values[0] = x0;
+              values[1] = y0;
+              values[2] = x1;
+              values[3] = y1;
+            }
+          }
+          for (std::size_t j = 0; j < 4; ++j) {
+            out[8 * j + k] = values[j];
+          }
+        }
+      }
+    }
+  }
+  m_fMergerdData = table;
+  m_eFloatMergedKind = MERGED_BILINEAR_GROUPS;
+  m_uFloatMergedWidth = width;
+  m_uFloatMergedHeight = height;
   return table;
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 
 #include <libdewarp_vemo/image_map.h>
@@ -116,6 +118,44 @@ ImageMap* MapBuilder::NewImageMap(const Resolution& obInputResolution, const Res
   return pobResult.release();
 }
 
+ImageMap* MapBuilder::NewUnfilledImageMap(const Resolution& obInputResolution,
+                                          const Resolution& obOutputResolution) {
+  std::unique_ptr<ImageMap> pobResult(new ImageMap());
+  // Sizes converted as ImageMap::SetMapSize converts them (negative or NaN sizes give no table).
+  const int nWidth = static_cast<int>(obOutputResolution.X);
+  const int nHeight = static_cast<int>(obOutputResolution.Y);
+  const unsigned int nCols = nWidth > 0 ? static_cast<unsigned int>(nWidth) : 0u;
+  const unsigned int nRows = nHeight > 0 ? static_cast<unsigned int>(nHeight) : 0u;
+  pobResult->GetMapX().ResetUnfilled(Map::FLOAT, nCols, nRows);
+  pobResult->GetMapY().ResetUnfilled(Map::FLOAT, nCols, nRows);
+  pobResult->SetInputSize(obInputResolution);
+  return pobResult.release();
+}
+
+float MapBuilder::NoSource() {
+  const std::uint32_t uBits = 0xFFFFFFFFu;
+  float fValue;
+  std::memcpy(&fValue, &uBits, sizeof(fValue));
+  return fValue;
+}
+
+bool MapBuilder::CropCoversOutput(const Resolution& obOutputResolution, const Resolution& obCrop) {
+  return obOutputResolution.X >= 1.0f && obOutputResolution.Y >= 1.0f && obCrop.X >= obOutputResolution.X &&
+         obCrop.Y >= obOutputResolution.Y;
+}
+
+std::vector<int> MapBuilder::LatticeLines(int nCount, int nSpacing) {
+  std::vector<int> anLines;
+  if (nCount <= 0 || nSpacing <= 0) {
+    return anLines;
+  }
+  for (int n = 0; n < nCount - 1; n += nSpacing) {
+    anLines.push_back(n);
+  }
+  anLines.push_back(nCount - 1);
+  return anLines;
+}
+
 MapBuilder::MapPlanes MapBuilder::GetPlanes(ImageMap& obMap) {
   Map& obMapX = obMap.GetMapX();
   Map& obMapY = obMap.GetMapY();
@@ -176,113 +216,6 @@ MapBuilder::CropGrid MapBuilder::GetCropGrid(const Resolution& obOutputResolutio
     obGrid.nRows = 0;
   }
   return obGrid;
-}
-
-namespace {
-
-// One cell of a lattice: crop columns nLeft..nRight and rows nTop..nBottom, corners included.
-struct LatticeCell {
-  int nLeft, nRight, nTop, nBottom;
-};
-
-}  // namespace
-
-void MapBuilder::BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid, MapFunctor& pfnMapping,
-                              const Vector2d& obInputOffset, const std::vector<int>& anColumns,
-                              const std::vector<int>& anRows, float fThreshold) {
-  if (obGrid.nCols <= 0 || obGrid.nRows <= 0 || anColumns.empty() || anRows.empty()) {
-    return;
-  }
-  const int nStride = obPlanes.nWidth;
-  float* const pfX = obPlanes.pfX + obGrid.nRowBase * nStride + obGrid.nColBase;
-  float* const pfY = obPlanes.pfY + obGrid.nRowBase * nStride + obGrid.nColBase;
-  auto evaluate = [&](int k, int j) {
-    const Vector2d obSource = pfnMapping(Vector2d(obGrid.fLeft + static_cast<float>(k),
-                                                  obGrid.fTop + static_cast<float>(j)));
-    pfX[j * nStride + k] = obSource.X + obInputOffset.X;
-    pfY[j * nStride + k] = obSource.Y + obInputOffset.Y;
-  };
-  auto value = [&](int k, int j) { return Vector2d(pfX[j * nStride + k], pfY[j * nStride + k]); };
-
-  // 1. The lattice crossings.
-  for (int j : anRows) {
-    for (int k : anColumns) {
-      evaluate(k, j);
-    }
-  }
-  // 2. Cells whose four corners are coordinates are interpolated; the others are kept for a
-  // pixel-by-pixel evaluation, done after all interpolation so that the exact values of a cell's
-  // edges are not overwritten by a neighbour's interpolation.
-  std::vector<LatticeCell> aobDense;
-  const bool bCheck = std::isfinite(fThreshold);
-  const size_t nCellColumns = anColumns.size() > 1 ? anColumns.size() - 1 : 1;
-  const size_t nCellRows = anRows.size() > 1 ? anRows.size() - 1 : 1;
-  for (size_t b = 0; b < nCellRows; ++b) {
-    for (size_t a = 0; a < nCellColumns; ++a) {
-      LatticeCell obCell;
-      obCell.nLeft = anColumns[a];
-      obCell.nRight = anColumns.size() > 1 ? anColumns[a + 1] : anColumns[a];
-      obCell.nTop = anRows[b];
-      obCell.nBottom = anRows.size() > 1 ? anRows[b + 1] : anRows[b];
-      const Vector2d obTopLeft = value(obCell.nLeft, obCell.nTop);
-      const Vector2d obTopRight = value(obCell.nRight, obCell.nTop);
-      const Vector2d obBottomLeft = value(obCell.nLeft, obCell.nBottom);
-      const Vector2d obBottomRight = value(obCell.nRight, obCell.nBottom);
-      if (!obTopLeft.Valid() || !obTopRight.Valid() || !obBottomLeft.Valid() || !obBottomRight.Valid()) {
-        aobDense.push_back(obCell);
-        continue;
-      }
-      const int nWidth = obCell.nRight - obCell.nLeft;
-      const int nHeight = obCell.nBottom - obCell.nTop;
-      const float fWidth = nWidth > 0 ? static_cast<float>(nWidth) : 1.0f;
-      const float fHeight = nHeight > 0 ? static_cast<float>(nHeight) : 1.0f;
-      const int nMidColumn = obCell.nLeft + nWidth / 2;
-      const int nMidRow = obCell.nTop + nHeight / 2;
-      const bool bHasMiddle = (nWidth >= 2 || nHeight >= 2);
-      Vector2d obMiddle;
-      if (bCheck && bHasMiddle) {
-        obMiddle = pfnMapping(Vector2d(obGrid.fLeft + static_cast<float>(nMidColumn),
-                                       obGrid.fTop + static_cast<float>(nMidRow))) + obInputOffset;
-        const Vector2d obGuess =
-            Bilinear(obTopLeft, obTopRight, obBottomLeft, obBottomRight,
-                     static_cast<float>(nMidColumn - obCell.nLeft) / fWidth,
-                     static_cast<float>(nMidRow - obCell.nTop) / fHeight);
-        const float fMiss = std::fmax(std::fabs(obGuess.X - obMiddle.X), std::fabs(obGuess.Y - obMiddle.Y));
-        if (!(fMiss <= fThreshold)) {
-          aobDense.push_back(obCell);
-          continue;
-        }
-      }
-      for (int j = obCell.nTop; j <= obCell.nBottom; ++j) {
-        const float fY = static_cast<float>(j - obCell.nTop) / fHeight;
-        float* const pfRowX = pfX + j * nStride;
-        float* const pfRowY = pfY + j * nStride;
-        for (int k = obCell.nLeft; k <= obCell.nRight; ++k) {
-          const Vector2d obBlend = Bilinear(obTopLeft, obTopRight, obBottomLeft, obBottomRight,
-                                            static_cast<float>(k - obCell.nLeft) / fWidth, fY);
-          pfRowX[k] = obBlend.X;
-          pfRowY[k] = obBlend.Y;
-        }
-      }
-      if (bCheck && bHasMiddle) {
-        pfX[nMidRow * nStride + nMidColumn] = obMiddle.X;
-        pfY[nMidRow * nStride + nMidColumn] = obMiddle.Y;
-      }
-    }
-  }
-  // 3. The cells that interpolation cannot serve, pixel by pixel (their corners are exact
-  // already and are not evaluated twice).
-  for (const LatticeCell& obCell : aobDense) {
-    for (int j = obCell.nTop; j <= obCell.nBottom; ++j) {
-      const bool bLatticeRow = (j == obCell.nTop || j == obCell.nBottom);
-      for (int k = obCell.nLeft; k <= obCell.nRight; ++k) {
-        if (bLatticeRow && (k == obCell.nLeft || k == obCell.nRight)) {
-          continue;
-        }
-        evaluate(k, j);
-      }
-    }
-  }
 }
 
 }  // namespace libdewarp

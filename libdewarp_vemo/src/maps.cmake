@@ -5,5 +5,8 @@ set(DEWARP_MAPS_SOURCES
   image.cpp
   image_planar.cpp
   image_planar_420.cpp
+  remap_420_avx2.cpp
+  remap_420_avx512.cpp
   water_mark.cpp
+  table_memory.cpp
 )

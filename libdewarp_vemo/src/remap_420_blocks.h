@@ -1,11 +1,12 @@
-// Block kernels of the planar 4:2:0 remap (private to image_planar_420.cpp).
+// Block kernels of the planar 4:2:0 remap (private to the remap sources).
 //
 // The destination is walked two rows at a time; each 2 x 2 block of luma pixels gets one chroma
 // sample. The scalar kernels handle one block and every odd case (odd widths, frames whose last
 // chroma column runs past the end, blocks on the edge of the picture); the SSE2 kernels handle
 // four neighbouring blocks (eight columns of a row pair) at once when all four lie inside the
 // picture, with exactly the same arithmetic lane by lane: the same single-precision operations
-// in the same order, truncation toward zero, so that both give the same bytes.
+// in the same order, truncation toward zero, so that both give the same bytes. (The AVX2 and
+// AVX-512 bilinear kernels, in files of their own, follow the same rule.)
 #pragma once
 
 #include <libdewarp_vemo/image_planar.h>
@@ -210,10 +211,12 @@ inline void BilinearBlock(const Planes& d, const Planes& s, const RowPair& o, co
 // ---------------------------------------------------------------------------------------------
 // SSE2 kernels, four blocks (eight columns) of a row pair at once.
 //
-// They need an even destination width (so that every merged pair lies in one row and is valid
-// or outside as a whole), a source whose chroma samples all lie inside the frame, and a source
-// stride and height below 32768: positions are packed as two 16-bit halves (x low, y high) and
-// turned into plane offsets x + y * pitch with one multiply-add of 16-bit lanes. A group with a
+// The nearest-neighbour kernel reads the interleaved table, the bilinear one the group table of
+// Map::GetBilinearGroupBuffer. They need an even destination width (so that every merged pair
+// lies in one row and is valid or outside as a whole), a source whose chroma samples all lie
+// inside the frame, and a source stride and height below 32768: positions are packed as two
+// 16-bit halves (x low, y high) and turned into plane offsets x + y * pitch with one
+// multiply-add of 16-bit lanes. A group with a
 // block outside the picture is left to the scalar kernel (the functions return false and write
 // nothing).
 
@@ -351,10 +354,6 @@ inline BilinearLanes BilinearPixels(const Planes& s, __m128 x, __m128 y, __m128i
   return p;
 }
 
-inline __m128 EvenLanes(__m128 a, __m128 b) {
-  return _mm_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0));
-}
-
 // Chroma samples of a plane for two sets of four offsets, first and second, as bytes 1 and 3
 // of 32-bit lanes. Each sample is read as the high byte of the 16-bit value that ends with it,
 // so that no read goes past the sample (the byte before it is the end of the plane in front:
@@ -382,65 +381,61 @@ inline __m128i BlendChroma(__m128 w0, __m128 w1, __m128 w2, __m128 w3, __m128i a
   return _mm_cvttps_epi32(value);
 }
 
-// Bilinear, columns c .. c + 7 of a row pair (t, b as for the scalar kernel).
-inline bool BilinearGroup(const Planes& s, const RowPair& o, const float* t, const float* b, std::uint32_t c,
-                          __m128i lumaMultiplier, __m128i chromaMultiplier) {
-  const __m128 t0 = _mm_loadu_ps(t), t1 = _mm_loadu_ps(t + 4), t2 = _mm_loadu_ps(t + 8), t3 = _mm_loadu_ps(t + 12);
-  const __m128 b0 = _mm_loadu_ps(b), b1 = _mm_loadu_ps(b + 4), b2 = _mm_loadu_ps(b + 8), b3 = _mm_loadu_ps(b + 12);
-  const __m128 tx03 = _mm_shuffle_ps(t0, t1, _MM_SHUFFLE(2, 0, 2, 0));
-  const __m128 ty03 = _mm_shuffle_ps(t0, t1, _MM_SHUFFLE(3, 1, 3, 1));
-  const __m128 tx47 = _mm_shuffle_ps(t2, t3, _MM_SHUFFLE(2, 0, 2, 0));
-  const __m128 ty47 = _mm_shuffle_ps(t2, t3, _MM_SHUFFLE(3, 1, 3, 1));
-  const __m128 bx03 = _mm_shuffle_ps(b0, b1, _MM_SHUFFLE(2, 0, 2, 0));
-  const __m128 by03 = _mm_shuffle_ps(b0, b1, _MM_SHUFFLE(3, 1, 3, 1));
-  const __m128 bx47 = _mm_shuffle_ps(b2, b3, _MM_SHUFFLE(2, 0, 2, 0));
-  const __m128 by47 = _mm_shuffle_ps(b2, b3, _MM_SHUFFLE(3, 1, 3, 1));
-  // Pairs are inside or outside as a whole (marker in all four values).
+// Luma of four even and four odd columns (32-bit lanes, 0 to 255) as eight consecutive bytes
+// e0 o0 e1 o1 e2 o2 e3 o3.
+inline void StoreInterleaved8(std::uint8_t* out, __m128i even, __m128i odd) {
+  const __m128i words = _mm_packs_epi32(even, odd);
+  const __m128i mixed = _mm_unpacklo_epi16(words, _mm_srli_si128(words, 8));
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(mixed, mixed));
+}
+
+// Bilinear, columns c .. c + 15 of a row pair from one group of the group table (layout in
+// map.h): four blocks at a time, the even columns' pixels in one set of lanes and the odd
+// columns' in another, so that a block's top-left, top-right, bottom-left and bottom-right
+// pixels share a lane.
+// (Inlined into the row loop, so that its vectors stay in registers.)
+inline __attribute__((always_inline)) bool BilinearGroup16(const Planes& s, const RowPair& o, const float* g,
+                                                           std::uint32_t c, __m128i lumaMultiplier,
+                                                           __m128i chromaMultiplier) {
+  // Pairs are inside or outside as a whole: a block is inside when its top pair's x (even
+  // columns of the top row) and its bottom pair's y (odd columns of the bottom row) are not the
+  // marker.
   const __m128 out = _mm_set1_ps(Map::s_fBilinearOutside);
-  const __m128 bad = _mm_or_ps(_mm_or_ps(_mm_cmpeq_ps(tx03, out), _mm_cmpeq_ps(tx47, out)),
-                               _mm_or_ps(_mm_cmpeq_ps(by03, out), _mm_cmpeq_ps(by47, out)));
+  const __m128 bad = _mm_or_ps(_mm_or_ps(_mm_cmpeq_ps(_mm_loadu_ps(g), out), _mm_cmpeq_ps(_mm_loadu_ps(g + 4), out)),
+                               _mm_or_ps(_mm_cmpeq_ps(_mm_loadu_ps(g + 56), out),
+                                         _mm_cmpeq_ps(_mm_loadu_ps(g + 60), out)));
   if (_mm_movemask_ps(bad) != 0) {
     return false;
   }
-  // Top row first, keeping of it only what the chroma needs: the weights of the blocks'
-  // top-left pixels (even lanes) and the chroma offsets of the top-left and top-right pixels.
   const __m128i one = _mm_set1_epi32(1);
-  alignas(16) std::uint32_t offsets[4][4];
-  __m128 w0, w1, w2, w3;
-  {
-    const BilinearLanes a = BilinearPixels(s, tx03, ty03, lumaMultiplier);
-    const BilinearLanes e = BilinearPixels(s, tx47, ty47, lumaMultiplier);
-    StoreBytes8(o.y0 + c, a.luma, e.luma);
-    w0 = EvenLanes(a.w0, e.w0);
-    w1 = EvenLanes(a.w1, e.w1);
-    w2 = EvenLanes(a.w2, e.w2);
-    w3 = EvenLanes(a.w3, e.w3);
-    const __m128i x = EvenLanes(a.xi, e.xi), y = EvenLanes(a.yi, e.yi);
+  for (int h = 0; h < 2; ++h) {
+    const float* q = g + 4 * h;
+    const BilinearLanes tl = BilinearPixels(s, _mm_loadu_ps(q), _mm_loadu_ps(q + 8), lumaMultiplier);
+    const BilinearLanes tr = BilinearPixels(s, _mm_loadu_ps(q + 16), _mm_loadu_ps(q + 24), lumaMultiplier);
+    StoreInterleaved8(o.y0 + c + 8 * h, tl.luma, tr.luma);
+    const BilinearLanes bl = BilinearPixels(s, _mm_loadu_ps(q + 32), _mm_loadu_ps(q + 40), lumaMultiplier);
+    const BilinearLanes br = BilinearPixels(s, _mm_loadu_ps(q + 48), _mm_loadu_ps(q + 56), lumaMultiplier);
+    StoreInterleaved8(o.y1 + c + 8 * h, bl.luma, br.luma);
+    // Chroma offsets of the four pixels of each block: top-left (yi/2, xi/2), bottom-left
+    // (yi/2, (xi+1)/2), top-right ((yi+1)/2, xi/2), bottom-right ((yi+1)/2, (xi+1)/2).
+    alignas(16) std::uint32_t offsets[4][4];
     _mm_store_si128(reinterpret_cast<__m128i*>(offsets[0]),
-                    PlaneOffsets(_mm_srli_epi32(x, 1), _mm_srli_epi32(y, 1), chromaMultiplier));
-    const __m128i xr = OddLanes(a.xi, e.xi), yr = OddLanes(a.yi, e.yi);
-    _mm_store_si128(reinterpret_cast<__m128i*>(offsets[2]),
-                    PlaneOffsets(_mm_srli_epi32(xr, 1), _mm_srli_epi32(_mm_add_epi32(yr, one), 1), chromaMultiplier));
-  }
-  // Bottom row: the chroma offsets of the bottom-left and bottom-right pixels.
-  {
-    const BilinearLanes a = BilinearPixels(s, bx03, by03, lumaMultiplier);
-    const BilinearLanes e = BilinearPixels(s, bx47, by47, lumaMultiplier);
-    StoreBytes8(o.y1 + c, a.luma, e.luma);
-    const __m128i x = EvenLanes(a.xi, e.xi), y = EvenLanes(a.yi, e.yi);
+                    PlaneOffsets(_mm_srli_epi32(tl.xi, 1), _mm_srli_epi32(tl.yi, 1), chromaMultiplier));
     _mm_store_si128(reinterpret_cast<__m128i*>(offsets[1]),
-                    PlaneOffsets(_mm_srli_epi32(_mm_add_epi32(x, one), 1), _mm_srli_epi32(y, 1), chromaMultiplier));
-    const __m128i xr = OddLanes(a.xi, e.xi), yr = OddLanes(a.yi, e.yi);
-    _mm_store_si128(reinterpret_cast<__m128i*>(offsets[3]),
-                    PlaneOffsets(_mm_srli_epi32(_mm_add_epi32(xr, one), 1), _mm_srli_epi32(_mm_add_epi32(yr, one), 1),
+                    PlaneOffsets(_mm_srli_epi32(_mm_add_epi32(bl.xi, one), 1), _mm_srli_epi32(bl.yi, 1),
                                  chromaMultiplier));
+    _mm_store_si128(reinterpret_cast<__m128i*>(offsets[2]),
+                    PlaneOffsets(_mm_srli_epi32(tr.xi, 1), _mm_srli_epi32(_mm_add_epi32(tr.yi, one), 1),
+                                 chromaMultiplier));
+    _mm_store_si128(reinterpret_cast<__m128i*>(offsets[3]),
+                    PlaneOffsets(_mm_srli_epi32(_mm_add_epi32(br.xi, one), 1),
+                                 _mm_srli_epi32(_mm_add_epi32(br.yi, one), 1), chromaMultiplier));
+    // The top-left pixels' weights applied to the four samples of each block.
+    StoreBytes4(o.u + c / 2 + 4 * h, BlendChroma(tl.w0, tl.w1, tl.w2, tl.w3, ChromaPairs(s.u, offsets[0], offsets[1]),
+                                                 ChromaPairs(s.u, offsets[2], offsets[3])));
+    StoreBytes4(o.v + c / 2 + 4 * h, BlendChroma(tl.w0, tl.w1, tl.w2, tl.w3, ChromaPairs(s.v, offsets[0], offsets[1]),
+                                                 ChromaPairs(s.v, offsets[2], offsets[3])));
   }
-  // Chroma of the four blocks: the top-left pixels' weights applied to the samples of the
-  // top-left, bottom-left, top-right and bottom-right pixels of each block.
-  StoreBytes4(o.u + c / 2, BlendChroma(w0, w1, w2, w3, ChromaPairs(s.u, offsets[0], offsets[1]),
-                                       ChromaPairs(s.u, offsets[2], offsets[3])));
-  StoreBytes4(o.v + c / 2, BlendChroma(w0, w1, w2, w3, ChromaPairs(s.v, offsets[0], offsets[1]),
-                                       ChromaPairs(s.v, offsets[2], offsets[3])));
   return true;
 }
 

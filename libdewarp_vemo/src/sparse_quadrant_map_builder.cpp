@@ -63,17 +63,14 @@ SparseQuadrantMapBuilder::~SparseQuadrantMapBuilder() {}
 // and the borders are exact. The functor is evaluated at the lattice crossings; each cell is
 // filled by bilinear interpolation of its corners after a check: the functor is also evaluated
 // at the cell's middle pixel, and a cell whose interpolated middle misses it by more than 1/8
-// source pixel, or which has a corner that is not a coordinate, is evaluated pixel by pixel.
-// Smooth regions thus cost about one call in eight; strongly curved ones are exact.
+// source pixel, or which has a corner that is not a coordinate, is halved and examined again,
+// down to cells of 2 x 2 steps evaluated pixel by pixel (small cells whose corners and middle
+// all lack a source are left without one). Smooth regions thus cost about one call in eight;
+// strongly curved ones come out within the threshold.
 ImageMap* SparseQuadrantMapBuilder::BuildImageMap(const Resolution& obInputResolution,
                                                   const Resolution& obOutputResolution, MapFunctor& pfnMapping,
                                                   const Resolution& obCrop) {
-  std::unique_ptr<ImageMap> pobResult(NewImageMap(obInputResolution, obOutputResolution));
-  const MapPlanes obPlanes = GetPlanes(*pobResult);
-  const CropGrid obGrid = GetCropGrid(obOutputResolution, obCrop, obPlanes);
-  BuildLattice(obPlanes, obGrid, pfnMapping, obInputResolution.Centre(), QuadrantLines(obGrid.nCols),
-               QuadrantLines(obGrid.nRows), kThreshold);
-  return pobResult.release();
+  return BuildOnLattice(obInputResolution, obOutputResolution, pfnMapping, obCrop, QuadrantLines, kThreshold);
 }
 
 }  // namespace libdewarp

@@ -1,6 +1,8 @@
 #include <libdewarp_vemo/spherical_ptz_map_builder.h>
 
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 #include <boost/shared_ptr.hpp>
 
@@ -25,6 +27,30 @@ SphericalPtzMapBuilder& SphericalPtzMapBuilder::operator=(const SphericalPtzMapB
 
 SphericalPtzMapBuilder::~SphericalPtzMapBuilder() {}
 
+namespace {
+
+// Lattice spacing of a pane, in output pixels, and the largest miss (in source pixels) of a
+// cell's interpolated middle before the cell is evaluated pixel by pixel.
+const int kPaneSpacing = 16;
+const float kPaneThreshold = 0.125f;
+
+std::vector<int> PaneLines(int nCount) { return MapBuilder::LatticeLines(nCount, kPaneSpacing); }
+
+}  // namespace
+
+// Panes are built on a coarse lattice: the functor at every 16th pixel of every 16th row (and
+// the last row and column), each cell filled by bilinear interpolation of its corners once the
+// functor at the cell's middle agrees with the interpolated guess within 1/8 source pixel; a
+// cell that misses, or that has a corner without a source, is evaluated pixel by pixel. A PTZ
+// view moves smoothly over the fisheye, so nearly every cell is interpolated: about one functor
+// call in 128 pixels instead of one in four, and within a few hundredths of a source pixel of
+// the exact map (measured against the dense build in the tests).
+ImageMap* SphericalPtzMapBuilder::BuildImageMap(const Resolution& obInputResolution,
+                                                const Resolution& obOutputResolution, MapFunctor& pfnMapping,
+                                                const Resolution& obCrop) {
+  return BuildOnLattice(obInputResolution, obOutputResolution, pfnMapping, obCrop, PaneLines, kPaneThreshold);
+}
+
 // One virtual camera over the whole base map.
 ImageMap* SphericalPtzMapBuilder::BuildImageMap(const ImageMap& obImageMap, const PtzPosition& obPtzPos,
                                                 float fFocalLength) {
@@ -39,10 +65,8 @@ ImageMap* SphericalPtzMapBuilder::BuildImageMap(const ImageMap& obImageMap, cons
 ImageMap* SphericalPtzMapBuilder::BuildImageMap(const ImageMap& obImageMap, const PtzPosition& obPtzPos1,
                                                 const PtzPosition& obPtzPos2, float fFocalLength) {
   const Vector2d obOutputSize = obImageMap.GetMapSize();
-  std::unique_ptr<ImageMap> pobResult(new ImageMap(obOutputSize));
-  pobResult->SetInputSize(obImageMap.GetInputSize());
-
   const Resolution obPane(obOutputSize.X, FloatingPoint::floor(0.5f * obOutputSize.Y));
+  std::unique_ptr<ImageMap> pobResult(NewPanedImageMap(obImageMap, obPane, Resolution(obPane.X, 2.0f * obPane.Y)));
   BuildPane(*pobResult, obImageMap, obPtzPos1, fFocalLength, obPane, Vector2d(0.0f, 0.0f));
   BuildPane(*pobResult, obImageMap, obPtzPos2, fFocalLength, obPane, Vector2d(0.0f, obPane.Y));
   return pobResult.release();
@@ -53,10 +77,9 @@ ImageMap* SphericalPtzMapBuilder::BuildImageMap(const ImageMap& obImageMap, cons
                                                 const PtzPosition& obPtzPos2, const PtzPosition& obPtzPos3,
                                                 const PtzPosition& obPtzPos4, float fFocalLength) {
   const Vector2d obOutputSize = obImageMap.GetMapSize();
-  std::unique_ptr<ImageMap> pobResult(new ImageMap(obOutputSize));
-  pobResult->SetInputSize(obImageMap.GetInputSize());
-
   const Resolution obPane(FloatingPoint::floor(0.5f * obOutputSize.X), FloatingPoint::floor(0.5f * obOutputSize.Y));
+  std::unique_ptr<ImageMap> pobResult(
+      NewPanedImageMap(obImageMap, obPane, Resolution(2.0f * obPane.X, 2.0f * obPane.Y)));
   BuildPane(*pobResult, obImageMap, obPtzPos1, fFocalLength, obPane, Vector2d(0.0f, 0.0f));
   BuildPane(*pobResult, obImageMap, obPtzPos2, fFocalLength, obPane, Vector2d(obPane.X, 0.0f));
   BuildPane(*pobResult, obImageMap, obPtzPos3, fFocalLength, obPane, Vector2d(0.0f, obPane.Y));
@@ -64,23 +87,39 @@ ImageMap* SphericalPtzMapBuilder::BuildImageMap(const ImageMap& obImageMap, cons
   return pobResult.release();
 }
 
+// The result of a multi-pane build: of the base map's size and input size. When the panes
+// cover it exactly every element is written by a pane and the tables are left unfilled;
+// otherwise (an odd width or height) the uncovered last row or column stays NaN.
+ImageMap* SphericalPtzMapBuilder::NewPanedImageMap(const ImageMap& obImageMap, const Resolution& obPane,
+                                                   const Resolution& obCovered) {
+  const Resolution obOutput(obImageMap.GetMapSize());
+  const Resolution obInput(obImageMap.GetInputSize());
+  const bool bCovered = obPane.X >= 1.0f && obPane.Y >= 1.0f && obCovered.X == obOutput.X && obCovered.Y == obOutput.Y;
+  return bCovered ? NewUnfilledImageMap(obInput, obOutput) : NewImageMap(obInput, obOutput);
+}
+
+// The pane is built in place: its crop rectangle is the pane, centred on the pane for the
+// functor and stored from obOffset in the result (the same values a separate pane map copied
+// element by element would give).
 void SphericalPtzMapBuilder::BuildPane(ImageMap& obResult, const ImageMap& obImageMap, const PtzPosition& obPtzPos,
                                        float fFocalLength, const Resolution& obPaneResolution,
                                        const Vector2d& obOffset) {
   const Resolution obInputResolution(obImageMap.GetInputSize());
   SphericalPtzFunctor obFunctor(obPtzPos, fFocalLength, obImageMap);
-  boost::shared_ptr<ImageMap> pobPane(
-      BuildImageMap(obInputResolution, obPaneResolution, obFunctor, obPaneResolution));
-  if (!pobPane) return;
-  const int nCols = static_cast<int>(pobPane->GetMapWidth());
-  const int nRows = static_cast<int>(pobPane->GetMapHeight());
+  const MapPlanes obPlanes = GetPlanes(obResult);
+  MapPlanes obPanePlanes = obPlanes;
   const int nOffsetX = static_cast<int>(obOffset.X);
   const int nOffsetY = static_cast<int>(obOffset.Y);
-  for (int y = 0; y < nRows; ++y) {
-    for (int x = 0; x < nCols; ++x) {
-      obResult.SetMapItem(x + nOffsetX, y + nOffsetY, pobPane->GetMapItem(x, y));
-    }
-  }
+  if (nOffsetX >= obPlanes.nWidth || nOffsetY >= obPlanes.nHeight) return;
+  // The pane's own view of the result: its tables start at the pane's top-left element.
+  obPanePlanes.pfX += nOffsetY * obPlanes.nWidth + nOffsetX;
+  obPanePlanes.pfY += nOffsetY * obPlanes.nWidth + nOffsetX;
+  CropGrid obGrid = GetCropGrid(obPaneResolution, obPaneResolution, obPlanes);
+  obGrid.nCols = std::min(obGrid.nCols, obPlanes.nWidth - nOffsetX - obGrid.nColBase);
+  obGrid.nRows = std::min(obGrid.nRows, obPlanes.nHeight - nOffsetY - obGrid.nRowBase);
+  if (obGrid.nCols <= 0 || obGrid.nRows <= 0) return;
+  BuildLattice(obPanePlanes, obGrid, obFunctor, obInputResolution.Centre(), PaneLines(obGrid.nCols),
+               PaneLines(obGrid.nRows), kPaneThreshold);
 }
 
 }  // namespace libdewarp

@@ -20,6 +20,17 @@ public:
     return *this;
   }
 
+  // Instruction sets of the remap kernels: WIDEST_KERNELS (the default) lets the bilinear
+  // remap use the widest kernels this processor runs (AVX-512, else AVX2, else SSE2);
+  // SSE2_KERNELS keeps every remap on the SSE2 baseline; AVX2_KERNELS and AVX512_KERNELS allow
+  // at most that set. All give the same bytes; the choice is process-wide and read once per
+  // frame (for comparing the kernels, in tests and measurements).
+  enum KernelSet { WIDEST_KERNELS = 0, SSE2_KERNELS = 1, AVX2_KERNELS = 2, AVX512_KERNELS = 3 };
+  static void SetKernelSet(KernelSet set);
+  static KernelSet GetKernelSet();
+  // Whether this processor runs the kernels of the set (the widest and SSE2 always).
+  static bool IsKernelSetSupported(KernelSet set);
+
   // The source must be an ImagePlanar420 (std::bad_cast otherwise). Both return true.
   bool NnInterpolation(const Image& src, const Map& mapX, const Map& mapY) override;
   bool LinearInterpolation(const Image& src, const Map& mapX, const Map& mapY) override;

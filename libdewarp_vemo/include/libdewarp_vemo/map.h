@@ -46,6 +46,9 @@ public:
   void Reset(MAP_TYPE type, unsigned int cols, unsigned int rows);
   // Same type and size again: a fresh, unfilled table and no merged caches.
   void Reset();
+  // As Reset(type, cols, rows), but only the padding past rows * cols is filled: for builders
+  // that write every element of the table themselves.
+  void ResetUnfilled(MAP_TYPE type, unsigned int cols, unsigned int rows);
 
   MAP_TYPE GetType() const { return m_type; }
   unsigned int GetRows() const { return m_rows; }
@@ -92,6 +95,24 @@ public:
   // this source size. Null when the two maps differ in type, rows or columns.
   template <class T> const T* GetMergedBuffer(const Map& mapY, unsigned int width, unsigned int height) const;
 
+  // The bilinear table laid out for the block loops of the 4:2:0 remap, for maps of an even
+  // number of columns (null otherwise, and when the two maps differ in type, rows or columns).
+  // The same positions and markers as GetMergedBuffer<float>, in groups of
+  // s_uBilinearGroupColumns columns of a row pair: for row pair r and group g (columns 16g to
+  // 16g + 15) the s_uBilinearGroupFloats floats at (r * groups + g) * s_uBilinearGroupFloats,
+  // groups = ceil(cols / 16), hold
+  //   [0, 8)   x of the even columns 16g, 16g + 2, ... 16g + 14 of row 2r
+  //   [8, 16)  y of the same pixels
+  //   [16, 24) x of the odd columns 16g + 1, ... 16g + 15 of row 2r
+  //   [24, 32) y of the same pixels
+  //   [32, 64) the same for row 2r + 1.
+  // Columns past the map's width hold the marker; an odd last row has no entries. Kept in the
+  // float merge slot and cached for this source size like the interleaved table (the two
+  // replace each other there).
+  static const unsigned int s_uBilinearGroupColumns = 16;
+  static const unsigned int s_uBilinearGroupFloats = 64;
+  const float* GetBilinearGroupBuffer(const Map& mapY, unsigned int width, unsigned int height) const;
+
   // Fixed-point bilinear table (three words per pixel: x, y, fraction index), cached in the
   // integer merge slot. Built by Remap::CreateBilinenarFixedPointMap.
   const std::uint32_t* GetFixedPointBuffer(const Map& mapY, unsigned int width, unsigned int height,
@@ -102,9 +123,17 @@ public:
   std::size_t GetMergedPixelCount() const;
 
 private:
-  enum MergedKind { MERGED_NONE, MERGED_INTEGER, MERGED_NEAREST, MERGED_FIXED_POINT, MERGED_BILINEAR };
+  enum MergedKind {
+    MERGED_NONE,
+    MERGED_INTEGER,
+    MERGED_NEAREST,
+    MERGED_FIXED_POINT,
+    MERGED_BILINEAR,
+    MERGED_BILINEAR_GROUPS
+  };
 
   template <class T> T* Allocate(std::size_t count, std::shared_ptr<void>& holder) const;
+  void ResetTable(MAP_TYPE type, unsigned int cols, unsigned int rows, bool bFillAll);
   bool IsPairCompatible(const Map& mapY) const;
   // The float tables of this map and mapY when both are FLOAT maps with tables, and the number of
   // pixels that both hold: the merges read those directly and the rest element by element.

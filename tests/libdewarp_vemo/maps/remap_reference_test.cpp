@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <limits>
 #include <random>
+#include <string>
 #include <vector>
 
 using vemo::libdewarp::ImageMap;
@@ -133,15 +134,59 @@ int CompareAll(DEWARP_INTERPOLATION mode) {
 
 }  // namespace
 
-TEST(RemapReferenceTest, NearestMatchesTheReferenceByteForByte) {
+// Every comparison runs on each set of kernels: the SSE2 baseline, AVX2 and AVX-512 (each
+// skipped where the processor lacks it) and the default, the widest there is.
+class RemapReferenceTest : public ::testing::TestWithParam<ImagePlanar420::KernelSet> {
+protected:
+  void SetUp() override {
+    if (!ImagePlanar420::IsKernelSetSupported(GetParam())) {
+      GTEST_SKIP() << "this processor does not run these kernels";
+    }
+    ImagePlanar420::SetKernelSet(GetParam());
+  }
+  void TearDown() override { ImagePlanar420::SetKernelSet(ImagePlanar420::WIDEST_KERNELS); }
+};
+
+std::string KernelSetName(const ::testing::TestParamInfo<ImagePlanar420::KernelSet>& info) {
+  switch (info.param) {
+    case ImagePlanar420::SSE2_KERNELS:
+      return "Sse2";
+    case ImagePlanar420::AVX2_KERNELS:
+      return "Avx2";
+    case ImagePlanar420::AVX512_KERNELS:
+      return "Avx512";
+    default:
+      return "Widest";
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kernels, RemapReferenceTest,
+                         ::testing::Values(ImagePlanar420::SSE2_KERNELS, ImagePlanar420::AVX2_KERNELS,
+                                           ImagePlanar420::AVX512_KERNELS, ImagePlanar420::WIDEST_KERNELS),
+                         KernelSetName);
+
+TEST(RemapKernelSetTest, TheKernelSetIsKeptUntilChanged) {
+  EXPECT_EQ(ImagePlanar420::WIDEST_KERNELS, ImagePlanar420::GetKernelSet());
+  ImagePlanar420::SetKernelSet(ImagePlanar420::SSE2_KERNELS);
+  EXPECT_EQ(ImagePlanar420::SSE2_KERNELS, ImagePlanar420::GetKernelSet());
+  ImagePlanar420::SetKernelSet(ImagePlanar420::WIDEST_KERNELS);
+  EXPECT_EQ(ImagePlanar420::WIDEST_KERNELS, ImagePlanar420::GetKernelSet());
+  EXPECT_TRUE(ImagePlanar420::IsKernelSetSupported(ImagePlanar420::SSE2_KERNELS));
+  EXPECT_TRUE(ImagePlanar420::IsKernelSetSupported(ImagePlanar420::WIDEST_KERNELS));
+  // AVX-512 kernels run only where AVX2 ones do.
+  EXPECT_TRUE(!ImagePlanar420::IsKernelSetSupported(ImagePlanar420::AVX512_KERNELS) ||
+              ImagePlanar420::IsKernelSetSupported(ImagePlanar420::AVX2_KERNELS));
+}
+
+TEST_P(RemapReferenceTest, NearestMatchesTheReferenceByteForByte) {
   EXPECT_GT(CompareAll(NEAREST_NEIGHBOUR_INTERPOLATION), 1000);
 }
 
-TEST(RemapReferenceTest, BilinearMatchesTheReferenceByteForByte) {
+TEST_P(RemapReferenceTest, BilinearMatchesTheReferenceByteForByte) {
   EXPECT_GT(CompareAll(LINEAR_INTERPOLATION), 1000);
 }
 
-TEST(RemapReferenceTest, LargerFrameThroughASmoothMap) {
+TEST_P(RemapReferenceTest, LargerFrameThroughASmoothMap) {
   // A smooth map (a scaled, shifted copy of the source) on a frame large enough for the block
   // loops to run long rows, both modes.
   const std::uint32_t sw = 64, sh = 48, dw = 40, dh = 30;
@@ -218,17 +263,17 @@ int CompareWide(DEWARP_INTERPOLATION mode, int spread) {
 
 }  // namespace
 
-TEST(RemapReferenceTest, NearestOnWideFramesMatchesTheReference) {
+TEST_P(RemapReferenceTest, NearestOnWideFramesMatchesTheReference) {
   EXPECT_EQ(550, CompareWide(NEAREST_NEIGHBOUR_INTERPOLATION, 400));
   EXPECT_EQ(550, CompareWide(NEAREST_NEIGHBOUR_INTERPOLATION, 60));
 }
 
-TEST(RemapReferenceTest, BilinearOnWideFramesMatchesTheReference) {
+TEST_P(RemapReferenceTest, BilinearOnWideFramesMatchesTheReference) {
   EXPECT_EQ(550, CompareWide(LINEAR_INTERPOLATION, 400));
   EXPECT_EQ(550, CompareWide(LINEAR_INTERPOLATION, 60));
 }
 
-TEST(RemapReferenceTest, CubicLeavesTheDestinationAsItWas) {
+TEST_P(RemapReferenceTest, CubicLeavesTheDestinationAsItWas) {
   // Cubic interpolation is not supported: whatever the maps hold, every byte of the destination
   // stays as it was, for small and wide frames alike.
   std::mt19937 rng(4242u);
@@ -249,7 +294,7 @@ TEST(RemapReferenceTest, CubicLeavesTheDestinationAsItWas) {
   }
 }
 
-TEST(RemapReferenceTest, SourcesBeyondTheBlockLoopsLimitsMatchTheReference) {
+TEST_P(RemapReferenceTest, SourcesBeyondTheBlockLoopsLimitsMatchTheReference) {
   // A source stride or height of 32768 and more takes the per-block loop; the result is the same.
   const Geometry sources[] = {{40, 4, 32770}, {6, 32770, 6}};
   std::mt19937 rng(99u);
@@ -275,7 +320,7 @@ TEST(RemapReferenceTest, SourcesBeyondTheBlockLoopsLimitsMatchTheReference) {
   }
 }
 
-TEST(RemapReferenceTest, SmoothFisheyeLikeMapMatchesTheReference) {
+TEST_P(RemapReferenceTest, SmoothFisheyeLikeMapMatchesTheReference) {
   // A smooth, curved map like a dewarped view (rows of the output follow arcs of the source),
   // partly outside the source, on a frame a few hundred pixels wide: long runs of whole groups.
   const std::uint32_t sw = 300, sh = 280, dw = 256, dh = 144;
@@ -307,5 +352,47 @@ TEST(RemapReferenceTest, SmoothFisheyeLikeMapMatchesTheReference) {
       remap_reference::Bilinear(src, expected, maps);
     }
     EXPECT_EQ(expected.bytes, actual.bytes) << mode;
+  }
+}
+
+TEST_P(RemapReferenceTest, LongRowsOfGroupsMatchTheReference) {
+  // Rows of many sixteen-column groups (widths a multiple of sixteen and not), odd source sizes
+  // and strides above the widths, maps mostly inside with the edge cases sprinkled in (and
+  // positions just inside the right and lower edges), both modes, twice through the cached
+  // tables.
+  const Geometry sources[] = {{97, 61, 101}, {130, 9, 130}};
+  const std::uint32_t widths[] = {208, 200, 330};
+  const std::uint32_t heights[] = {6, 13};
+  std::mt19937 rng(31337u);
+  for (const Geometry& g : sources) {
+    for (std::uint32_t w : widths) {
+      for (std::uint32_t h : heights) {
+        for (int spread : {2000, 150}) {
+          for (DEWARP_INTERPOLATION mode : {NEAREST_NEIGHBOUR_INTERPOLATION, LINEAR_INTERPOLATION}) {
+            remap_reference::Frame src(g.w, g.h, g.s);
+            RandomBytes(rng, src.bytes);
+            const remap_reference::Maps maps = RandomMaps(rng, w, h, g, spread);
+            ImageMap map = ToImageMap(maps);
+            for (int frame = 0; frame < 2; ++frame) {
+              remap_reference::Frame expected(w, h, w + 5);
+              RandomBytes(rng, expected.bytes);
+              remap_reference::Frame actual = expected;
+              ImagePlanar420 srcImage(YUV420_PLANAR_IMAGE, src.bytes.data(), g.w, g.h, g.s, false);
+              ImagePlanar420 dstImage(YUV420_PLANAR_IMAGE, actual.bytes.data(), w, h, w + 5, false);
+              map.Remap(srcImage, dstImage, mode);
+              if (mode == NEAREST_NEIGHBOUR_INTERPOLATION) {
+                remap_reference::Nearest(src, expected, maps);
+              } else {
+                remap_reference::Bilinear(src, expected, maps);
+              }
+              EXPECT_EQ(expected.bytes, actual.bytes) << "source " << g.w << "x" << g.h << "/" << g.s
+                                                      << " destination " << w << "x" << h << " spread " << spread
+                                                      << " mode " << mode << " frame " << frame;
+              RandomBytes(rng, src.bytes);
+            }
+          }
+        }
+      }
+    }
   }
 }

@@ -1,0 +1,312 @@
+// Lattice interpolation shared by the grid, quadrant and PTZ builders.
+#include <libdewarp_vemo/map_builder.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include <libdewarp_vemo/image_map.h>
+#include <libdewarp_vemo/resolution.h>
+
+#include <libdewarp_vemo/map_functor.h>
+#include <libdewarp_vemo/vector_2d.h>
+
+namespace vemo {
+namespace libdewarp {
+
+namespace {
+
+// The largest cell (in steps each way) that is left without a source on the evidence of its
+// corners and middle alone; larger empty-looking cells are halved first, so that every feature of
+// the picture at least 2 pixels across is seen by some evaluated point.
+const int kNoSourceSteps = 4;
+
+// One cell of a lattice: crop columns nLeft..nRight and rows nTop..nBottom, corners included.
+struct LatticeCell {
+  int nLeft, nRight, nTop, nBottom;
+};
+
+// How a cell of the lattice is filled (see LatticeFill).
+enum CellFill : unsigned char { FILL_BLEND, FILL_BLEND_KEEP_MIDDLE, FILL_NO_SOURCE, FILL_REFINED };
+
+// Bilinear fill of one cell of nWidth x nHeight steps (corners included), row by row: the
+// values of the row's two ends are interpolated between the corners above and below, the
+// pixels between them along the row. The ends are stored as computed and the corners exactly,
+// so that two cells that share an edge store the same values on it.
+void FillCell(float* pfX, float* pfY, int nStride, int nWidth, int nHeight, const Vector2d& obTopLeft,
+                          const Vector2d& obTopRight, const Vector2d& obBottomLeft, const Vector2d& obBottomRight) {
+  const float fStepPerColumn = nWidth > 0 ? 1.0f / static_cast<float>(nWidth) : 1.0f;
+  const float fHeight = nHeight > 0 ? static_cast<float>(nHeight) : 1.0f;
+  for (int j = 0; j <= nHeight; ++j) {
+    const bool bLast = (j == nHeight);
+    const float fY = static_cast<float>(j) / fHeight;
+    const float fLeftX = bLast ? obBottomLeft.X : obTopLeft.X + (obBottomLeft.X - obTopLeft.X) * fY;
+    const float fLeftY = bLast ? obBottomLeft.Y : obTopLeft.Y + (obBottomLeft.Y - obTopLeft.Y) * fY;
+    const float fRightX = bLast ? obBottomRight.X : obTopRight.X + (obBottomRight.X - obTopRight.X) * fY;
+    const float fRightY = bLast ? obBottomRight.Y : obTopRight.Y + (obBottomRight.Y - obTopRight.Y) * fY;
+    const float fStepX = fRightX - fLeftX;
+    const float fStepY = fRightY - fLeftY;
+    float* const pfRowX = pfX + j * nStride;
+    float* const pfRowY = pfY + j * nStride;
+    for (int k = 0; k < nWidth; ++k) {
+      const float fX = static_cast<float>(k) * fStepPerColumn;
+      pfRowX[k] = fLeftX + fStepX * fX;
+      pfRowY[k] = fLeftY + fStepY * fX;
+    }
+    pfRowX[nWidth] = fRightX;
+    pfRowY[nWidth] = fRightY;
+  }
+}
+
+// Works out how each cell of the lattice is filled, then fills it. A cell is
+//  - left without a source (its four corners and its middle have none, and it is at most
+//    kNoSourceSteps each way; only with a check),
+//  - blended: bilinear interpolation of its corners (with a check: the middle agreed, and keeps
+//    its exact value), or
+//  - evaluated pixel by pixel.
+// A cell that can be neither blended nor left empty is halved at its middle row and column
+// (each at least 2 steps long), down to cells of 2 x 2 steps, which are evaluated pixel by
+// pixel; so a cell crossed by the edge of the picture costs a few dozen functor calls rather
+// than one per pixel. Without a check (an infinite threshold) a cell with a corner lacking a
+// source is evaluated pixel by pixel at once, as the plain grid scheme does.
+// The fills are applied in the order no source, blend, evaluation, so that on the edges that
+// neighbouring cells share the more exact value wins. The cells of the lattice itself are
+// recorded one byte each; only the parts of refined cells are listed.
+class LatticeFill {
+public:
+  LatticeFill(float* pfX, float* pfY, int nStride, MapFunctor& pfnMapping, const Vector2d& obInputOffset,
+              float fLeft, float fTop, float fThreshold)
+      : m_pfX(pfX), m_pfY(pfY), m_nStride(nStride), m_pfnMapping(pfnMapping), m_obInputOffset(obInputOffset),
+        m_fLeft(fLeft), m_fTop(fTop), m_fThreshold(fThreshold), m_bCheck(std::isfinite(fThreshold)) {}
+
+  void Evaluate(int k, int j) {
+    const Vector2d obSource = m_pfnMapping(Vector2d(m_fLeft + static_cast<float>(k), m_fTop + static_cast<float>(j)));
+    m_pfX[j * m_nStride + k] = obSource.X + m_obInputOffset.X;
+    m_pfY[j * m_nStride + k] = obSource.Y + m_obInputOffset.Y;
+  }
+
+  // Decides how a cell of the lattice is filled; the parts of a refined cell are listed.
+  CellFill Classify(const LatticeCell& obCell) {
+    const CellFill eFill = ClassifyOne(obCell);
+    if (eFill != FILL_REFINED) {
+      return eFill;
+    }
+    while (!m_aobPending.empty()) {
+      const LatticeCell obPart = m_aobPending.back();
+      m_aobPending.pop_back();
+      switch (ClassifyOne(obPart)) {
+        case FILL_BLEND:
+          m_aobBlend.push_back(obPart);
+          break;
+        case FILL_BLEND_KEEP_MIDDLE:
+          m_aobBlendKeepMiddle.push_back(obPart);
+          break;
+        case FILL_NO_SOURCE:
+          m_aobNoSource.push_back(obPart);
+          break;
+        case FILL_REFINED:
+          break;
+      }
+    }
+    return FILL_REFINED;
+  }
+
+  void FillNoSource(const LatticeCell& obCell) {
+    const float fNoSource = MapBuilder::NoSource();
+    for (int j = obCell.nTop; j <= obCell.nBottom; ++j) {
+      for (int k = obCell.nLeft; k <= obCell.nRight; ++k) {
+        m_pfX[j * m_nStride + k] = fNoSource;
+        m_pfY[j * m_nStride + k] = fNoSource;
+      }
+    }
+  }
+
+  void Blend(const LatticeCell& obCell, bool bKeepMiddle) {
+    const int nMiddle = (obCell.nTop + (obCell.nBottom - obCell.nTop) / 2) * m_nStride + obCell.nLeft +
+                        (obCell.nRight - obCell.nLeft) / 2;
+    const float fMiddleX = m_pfX[nMiddle], fMiddleY = m_pfY[nMiddle];
+    const int nOrigin = obCell.nTop * m_nStride + obCell.nLeft;
+    FillCell(m_pfX + nOrigin, m_pfY + nOrigin, m_nStride, obCell.nRight - obCell.nLeft, obCell.nBottom - obCell.nTop,
+             Value(obCell.nLeft, obCell.nTop), Value(obCell.nRight, obCell.nTop), Value(obCell.nLeft, obCell.nBottom),
+             Value(obCell.nRight, obCell.nBottom));
+    if (bKeepMiddle) {
+      m_pfX[nMiddle] = fMiddleX;
+      m_pfY[nMiddle] = fMiddleY;
+    }
+  }
+
+  void EvaluateAll(const LatticeCell& obCell) {
+    for (int j = obCell.nTop; j <= obCell.nBottom; ++j) {
+      for (int k = obCell.nLeft; k <= obCell.nRight; ++k) {
+        Evaluate(k, j);
+      }
+    }
+  }
+
+  // The listed parts of refined cells, after the lattice's own cells of the same kind.
+  void FillListedNoSource() {
+    for (const LatticeCell& obCell : m_aobNoSource) FillNoSource(obCell);
+  }
+  void BlendListed() {
+    for (const LatticeCell& obCell : m_aobBlend) Blend(obCell, false);
+    for (const LatticeCell& obCell : m_aobBlendKeepMiddle) Blend(obCell, true);
+  }
+  void EvaluateListed() {
+    for (const LatticeCell& obCell : m_aobEvaluate) EvaluateAll(obCell);
+  }
+
+private:
+  Vector2d Value(int k, int j) const { return Vector2d(m_pfX[j * m_nStride + k], m_pfY[j * m_nStride + k]); }
+
+  // How one cell is filled; a cell to be evaluated pixel by pixel is listed at once, a refined
+  // cell's parts are queued.
+  CellFill ClassifyOne(const LatticeCell& obCell) {
+    const int nWidth = obCell.nRight - obCell.nLeft;
+    const int nHeight = obCell.nBottom - obCell.nTop;
+    if (nWidth <= 1 && nHeight <= 1) {
+      return FILL_BLEND;  // every pixel is a corner: blending stores the corners unchanged
+    }
+    const Vector2d obTopLeft = Value(obCell.nLeft, obCell.nTop);
+    const Vector2d obTopRight = Value(obCell.nRight, obCell.nTop);
+    const Vector2d obBottomLeft = Value(obCell.nLeft, obCell.nBottom);
+    const Vector2d obBottomRight = Value(obCell.nRight, obCell.nBottom);
+    const int nValid = (obTopLeft.Valid() ? 1 : 0) + (obTopRight.Valid() ? 1 : 0) + (obBottomLeft.Valid() ? 1 : 0) +
+                       (obBottomRight.Valid() ? 1 : 0);
+    if (!m_bCheck) {
+      if (nValid == 4) {
+        return FILL_BLEND;
+      }
+      m_aobEvaluate.push_back(obCell);
+      return FILL_REFINED;
+    }
+    const int nMidColumn = obCell.nLeft + nWidth / 2;
+    const int nMidRow = obCell.nTop + nHeight / 2;
+    bool bMiddleKnown = false;
+    if (nValid == 4 || nValid == 0) {
+      Evaluate(nMidColumn, nMidRow);
+      bMiddleKnown = true;
+      const Vector2d obMiddle = Value(nMidColumn, nMidRow);
+      if (nValid == 0 && !obMiddle.Valid() && nWidth <= kNoSourceSteps && nHeight <= kNoSourceSteps) {
+        return FILL_NO_SOURCE;
+      }
+      if (nValid == 4 && obMiddle.Valid()) {
+        const Vector2d obGuess = MapBuilder::Bilinear(
+            obTopLeft, obTopRight, obBottomLeft, obBottomRight,
+            static_cast<float>(nMidColumn - obCell.nLeft) / static_cast<float>(nWidth > 0 ? nWidth : 1),
+            static_cast<float>(nMidRow - obCell.nTop) / static_cast<float>(nHeight > 0 ? nHeight : 1));
+        const float fMiss = std::fmax(std::fabs(obGuess.X - obMiddle.X), std::fabs(obGuess.Y - obMiddle.Y));
+        if (fMiss <= m_fThreshold) {
+          return FILL_BLEND_KEEP_MIDDLE;
+        }
+      }
+    }
+    if (nWidth <= 2 && nHeight <= 2) {
+      m_aobEvaluate.push_back(obCell);
+      return FILL_REFINED;
+    }
+    Split(obCell, nMidColumn, nMidRow, bMiddleKnown);
+    return FILL_REFINED;
+  }
+
+  // Halves the cell at its middle column (if it is at least 2 steps wide) and middle row (if at
+  // least 2 steps high), evaluates the new lattice points and queues the parts.
+  void Split(const LatticeCell& obCell, int nMidColumn, int nMidRow, bool bMiddleKnown) {
+    int anColumns[3] = {obCell.nLeft, obCell.nRight, obCell.nRight};
+    int anRows[3] = {obCell.nTop, obCell.nBottom, obCell.nBottom};
+    int nColumns = 2, nRows = 2;
+    if (obCell.nRight - obCell.nLeft >= 2) {
+      anColumns[1] = nMidColumn;
+      nColumns = 3;
+    }
+    if (obCell.nBottom - obCell.nTop >= 2) {
+      anRows[1] = nMidRow;
+      nRows = 3;
+    }
+    for (int b = 0; b < nRows; ++b) {
+      for (int a = 0; a < nColumns; ++a) {
+        const bool bCorner = (a == 0 || a == nColumns - 1) && (b == 0 || b == nRows - 1);
+        const bool bMiddle = bMiddleKnown && anColumns[a] == nMidColumn && anRows[b] == nMidRow;
+        if (!bCorner && !bMiddle) {
+          Evaluate(anColumns[a], anRows[b]);
+        }
+      }
+    }
+    for (int b = 0; b + 1 < nRows; ++b) {
+      for (int a = 0; a + 1 < nColumns; ++a) {
+        m_aobPending.push_back(LatticeCell{anColumns[a], anColumns[a + 1], anRows[b], anRows[b + 1]});
+      }
+    }
+  }
+
+  float* m_pfX;
+  float* m_pfY;
+  int m_nStride;
+  MapFunctor& m_pfnMapping;
+  Vector2d m_obInputOffset;
+  float m_fLeft, m_fTop, m_fThreshold;
+  bool m_bCheck;
+  std::vector<LatticeCell> m_aobPending, m_aobNoSource, m_aobBlend, m_aobBlendKeepMiddle, m_aobEvaluate;
+};
+
+}  // namespace
+
+ImageMap* MapBuilder::BuildOnLattice(const Resolution& obInputResolution, const Resolution& obOutputResolution,
+                                     MapFunctor& pfnMapping, const Resolution& obCrop, LatticeRule fnLines,
+                                     float fThreshold) {
+  std::unique_ptr<ImageMap> pobResult(CropCoversOutput(obOutputResolution, obCrop)
+                                          ? NewUnfilledImageMap(obInputResolution, obOutputResolution)
+                                          : NewImageMap(obInputResolution, obOutputResolution));
+  const MapPlanes obPlanes = GetPlanes(*pobResult);
+  const CropGrid obGrid = GetCropGrid(obOutputResolution, obCrop, obPlanes);
+  BuildLattice(obPlanes, obGrid, pfnMapping, obInputResolution.Centre(), fnLines(obGrid.nCols),
+               fnLines(obGrid.nRows), fThreshold);
+  return pobResult.release();
+}
+
+void MapBuilder::BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid, MapFunctor& pfnMapping,
+                              const Vector2d& obInputOffset, const std::vector<int>& anColumns,
+                              const std::vector<int>& anRows, float fThreshold) {
+  if (obGrid.nCols <= 0 || obGrid.nRows <= 0 || anColumns.empty() || anRows.empty()) {
+    return;
+  }
+  const int nStride = obPlanes.nWidth;
+  LatticeFill obFill(obPlanes.pfX + obGrid.nRowBase * nStride + obGrid.nColBase,
+                     obPlanes.pfY + obGrid.nRowBase * nStride + obGrid.nColBase, nStride, pfnMapping, obInputOffset,
+                     obGrid.fLeft, obGrid.fTop, fThreshold);
+  // 1. The lattice crossings.
+  for (int j : anRows) {
+    for (int k : anColumns) {
+      obFill.Evaluate(k, j);
+    }
+  }
+  // 2. Each cell between neighbouring lines: how it is filled, one byte per cell.
+  const size_t nCellColumns = anColumns.size() > 1 ? anColumns.size() - 1 : 1;
+  const size_t nCellRows = anRows.size() > 1 ? anRows.size() - 1 : 1;
+  auto cell = [&](size_t a, size_t b) {
+    return LatticeCell{anColumns[a], anColumns.size() > 1 ? anColumns[a + 1] : anColumns[a], anRows[b],
+                       anRows.size() > 1 ? anRows[b + 1] : anRows[b]};
+  };
+  std::vector<unsigned char> aeFill(nCellColumns * nCellRows);
+  for (size_t b = 0; b < nCellRows; ++b) {
+    for (size_t a = 0; a < nCellColumns; ++a) {
+      aeFill[b * nCellColumns + a] = obFill.Classify(cell(a, b));
+    }
+  }
+  // 3. The fills, least exact first.
+  for (size_t n = 0; n < aeFill.size(); ++n) {
+    if (aeFill[n] == FILL_NO_SOURCE) obFill.FillNoSource(cell(n % nCellColumns, n / nCellColumns));
+  }
+  obFill.FillListedNoSource();
+  for (size_t n = 0; n < aeFill.size(); ++n) {
+    if (aeFill[n] == FILL_BLEND || aeFill[n] == FILL_BLEND_KEEP_MIDDLE) {
+      obFill.Blend(cell(n % nCellColumns, n / nCellColumns), aeFill[n] == FILL_BLEND_KEEP_MIDDLE);
+    }
+  }
+  obFill.BlendListed();
+  obFill.EvaluateListed();
+}
+
+}  // namespace libdewarp
+}  // namespace vemo

@@ -1,0 +1,173 @@
+// AVX2 kernel of the bilinear 4:2:0 remap: eight blocks (sixteen columns of a row pair) at
+// once, over the group table of Map::GetBilinearGroupBuffer. The lanes compute exactly what
+// the scalar kernel computes for one pixel, operation for operation in single precision, and
+// truncate the same way, so the bytes are the same; only the number of pixels per instruction
+// differs. Runs only where the processor has AVX2 (the caller checks once per frame).
+#include "remap_420_groups.h"
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vemo {
+namespace libdewarp {
+namespace remap420 {
+
+namespace {
+
+// Every function of this file is compiled for AVX2 (and only these: the inline functions of the
+// headers keep the baseline instruction set). The kernels are inlined into the row loop, so that
+// their vectors stay in registers.
+#define DEWARP_AVX2_INLINE inline __attribute__((always_inline, target("avx2")))
+
+// Eight pixels of the bilinear path: integer positions, the four weights and the luma blend.
+struct Lanes8 {
+  __m256i xi, yi;
+  __m256 w0, w1, w2, w3;
+  __m256i luma;
+};
+
+// Byte k (0 or 1) of each 32-bit lane as a float.
+DEWARP_AVX2_INLINE __m256 ByteAsFloat8(__m256i lanes, int k) {
+  const __m256i shifted = k == 0 ? lanes : _mm256_srli_epi32(lanes, 8 * k);
+  return _mm256_cvtepi32_ps(_mm256_and_si256(shifted, _mm256_set1_epi32(0xFF)));
+}
+
+// Pixels whose positions are x[0..7], y[0..7] (all inside the interpolable area).
+DEWARP_AVX2_INLINE Lanes8 Pixels8(const Planes& s, const float* x, const float* y, __m256i stride) {
+  Lanes8 p;
+  const __m256 vx = _mm256_loadu_ps(x);
+  const __m256 vy = _mm256_loadu_ps(y);
+  p.xi = _mm256_cvttps_epi32(vx);
+  p.yi = _mm256_cvttps_epi32(vy);
+  const __m256 fx = _mm256_sub_ps(vx, _mm256_cvtepi32_ps(p.xi));
+  const __m256 fy = _mm256_sub_ps(vy, _mm256_cvtepi32_ps(p.yi));
+  const __m256 one = _mm256_set1_ps(1.0f);
+  const __m256 gx = _mm256_sub_ps(one, fx);
+  const __m256 gy = _mm256_sub_ps(one, fy);
+  p.w0 = _mm256_mul_ps(gx, gy);
+  p.w1 = _mm256_mul_ps(fx, gy);
+  p.w2 = _mm256_mul_ps(gx, fy);
+  p.w3 = _mm256_mul_ps(fx, fy);
+  // Four bytes from each sample on, in its row and in the row below: P(x, y) and P(x + 1, y)
+  // are the low two bytes of the first, P(x, y + 1) and P(x + 1, y + 1) of the second. The two
+  // bytes past them stay inside the frame: x + 1 is at most width - 1 and the chroma planes
+  // follow the last luma row.
+  const __m256i offsets = _mm256_add_epi32(_mm256_mullo_epi32(p.yi, stride), p.xi);
+  const __m256i row = _mm256_i32gather_epi32(reinterpret_cast<const int*>(s.y), offsets, 1);
+  const __m256i below = _mm256_i32gather_epi32(reinterpret_cast<const int*>(s.y + s.stride), offsets, 1);
+  // w0 P(x, y) + w1 P(x, y + 1) + w2 P(x + 1, y) + w3 P(x + 1, y + 1): the exchanged
+  // off-diagonal weights of the scalar kernel, summed in the same order.
+  __m256 value = _mm256_mul_ps(p.w0, ByteAsFloat8(row, 0));
+  value = _mm256_add_ps(value, _mm256_mul_ps(p.w1, ByteAsFloat8(below, 0)));
+  value = _mm256_add_ps(value, _mm256_mul_ps(p.w2, ByteAsFloat8(row, 1)));
+  value = _mm256_add_ps(value, _mm256_mul_ps(p.w3, ByteAsFloat8(below, 1)));
+  p.luma = _mm256_cvttps_epi32(value);
+  return p;
+}
+
+// Chroma samples of a plane at eight offsets, as floats. Each is read as the last byte of the
+// four that end with it, so that no read goes past the sample (the bytes before it belong to the
+// plane in front: luma before U, U before V).
+DEWARP_AVX2_INLINE __m256 ChromaSamples(const std::uint8_t* plane, __m256i offsets) {
+  const __m256i words = _mm256_i32gather_epi32(reinterpret_cast<const int*>(plane - 3), offsets, 1);
+  return _mm256_cvtepi32_ps(_mm256_srli_epi32(words, 24));
+}
+
+// w0 c0 + w1 c1 + w2 c2 + w3 c3 in that order, truncated.
+DEWARP_AVX2_INLINE __m256i BlendChroma8(const Lanes8& tl, const std::uint8_t* plane, const __m256i* offsets) {
+  __m256 value = _mm256_mul_ps(tl.w0, ChromaSamples(plane, offsets[0]));
+  value = _mm256_add_ps(value, _mm256_mul_ps(tl.w1, ChromaSamples(plane, offsets[1])));
+  value = _mm256_add_ps(value, _mm256_mul_ps(tl.w2, ChromaSamples(plane, offsets[2])));
+  value = _mm256_add_ps(value, _mm256_mul_ps(tl.w3, ChromaSamples(plane, offsets[3])));
+  return _mm256_cvttps_epi32(value);
+}
+
+// Luma of eight even and eight odd columns (32-bit lanes, 0 to 255) as sixteen consecutive
+// bytes e0 o0 e1 o1 ... e7 o7.
+DEWARP_AVX2_INLINE void StoreInterleaved16(std::uint8_t* out, __m256i even, __m256i odd) {
+  const __m256i words = _mm256_packs_epi32(even, odd);  // e0-3 o0-3 | e4-7 o4-7
+  const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1));
+  const __m128i order = _mm_setr_epi8(0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15);
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(bytes, order));
+}
+
+// Eight U and eight V values (32-bit lanes, 0 to 255) as eight bytes each.
+DEWARP_AVX2_INLINE void StoreChroma(std::uint8_t* u, std::uint8_t* v, __m256i uLanes, __m256i vLanes) {
+  const __m256i words = _mm256_packs_epi32(uLanes, vLanes);  // u0-3 v0-3 | u4-7 v4-7
+  const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1));
+  const __m128i order = _mm_setr_epi8(0, 1, 2, 3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14, 15);
+  const __m128i planar = _mm_shuffle_epi8(bytes, order);
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(u), planar);
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(v), _mm_unpackhi_epi64(planar, planar));
+}
+
+// Columns c .. c + 15 of a row pair from one group; false (nothing written) when a block of the
+// group lies outside the picture.
+DEWARP_AVX2_INLINE bool Group16(const Planes& s, const RowPair& o, const float* g, std::uint32_t c, __m256i stride,
+                    __m256i blocks) {
+  const __m256 marker = _mm256_set1_ps(Map::s_fBilinearOutside);
+  const __m256 bad = _mm256_or_ps(_mm256_cmp_ps(_mm256_loadu_ps(g), marker, _CMP_EQ_OQ),
+                                  _mm256_cmp_ps(_mm256_loadu_ps(g + 56), marker, _CMP_EQ_OQ));
+  if (_mm256_movemask_ps(bad) != 0) {
+    return false;
+  }
+  const Lanes8 tl = Pixels8(s, g, g + 8, stride);
+  const Lanes8 tr = Pixels8(s, g + 16, g + 24, stride);
+  StoreInterleaved16(o.y0 + c, tl.luma, tr.luma);
+  const Lanes8 bl = Pixels8(s, g + 32, g + 40, stride);
+  const Lanes8 br = Pixels8(s, g + 48, g + 56, stride);
+  StoreInterleaved16(o.y1 + c, bl.luma, br.luma);
+  // Chroma offsets of the four pixels of each block: top-left (yi/2, xi/2), bottom-left
+  // (yi/2, (xi+1)/2), top-right ((yi+1)/2, xi/2), bottom-right ((yi+1)/2, (xi+1)/2).
+  const __m256i one = _mm256_set1_epi32(1);
+  const __m256i offsets[4] = {
+      _mm256_add_epi32(_mm256_mullo_epi32(_mm256_srli_epi32(tl.yi, 1), blocks), _mm256_srli_epi32(tl.xi, 1)),
+      _mm256_add_epi32(_mm256_mullo_epi32(_mm256_srli_epi32(bl.yi, 1), blocks),
+                       _mm256_srli_epi32(_mm256_add_epi32(bl.xi, one), 1)),
+      _mm256_add_epi32(_mm256_mullo_epi32(_mm256_srli_epi32(_mm256_add_epi32(tr.yi, one), 1), blocks),
+                       _mm256_srli_epi32(tr.xi, 1)),
+      _mm256_add_epi32(_mm256_mullo_epi32(_mm256_srli_epi32(_mm256_add_epi32(br.yi, one), 1), blocks),
+                       _mm256_srli_epi32(_mm256_add_epi32(br.xi, one), 1))};
+  StoreChroma(o.u + c / 2, o.v + c / 2, BlendChroma8(tl, s.u, offsets), BlendChroma8(tl, s.v, offsets));
+  return true;
+}
+
+}  // namespace
+
+__attribute__((target("avx2"))) void BilinearGroupAvx2(const GroupWalk& w, const RowPair& o, const float* group,
+                                                        std::uint32_t c) {
+  const __m256i stride = _mm256_set1_epi32(static_cast<int>(w.s.stride));
+  const __m256i blocks = _mm256_set1_epi32(static_cast<int>(w.s.blocks));
+  if (!Group16(w.s, o, group, c, stride, blocks)) {
+    BilinearGroupByBlocks(w, o, group, c);
+  }
+}
+
+__attribute__((target("avx2"))) void BilinearGroupRowsAvx2(const GroupWalk& w) {
+  const __m256i stride = _mm256_set1_epi32(static_cast<int>(w.s.stride));
+  const __m256i blocks = _mm256_set1_epi32(static_cast<int>(w.s.blocks));
+  for (std::size_t r = 0; r < w.rowPairs; ++r) {
+    RowPair o;
+    o.y0 = w.d.y + 2 * r * w.lumaPitch;
+    o.y1 = o.y0 + w.lumaPitch;
+    o.u = w.d.u + r * w.d.blocks;
+    o.v = w.d.v + r * w.d.blocks;
+    for (std::size_t g = 0; g < w.groups; ++g) {
+      const float* group = w.Group(r, g);
+      const std::uint32_t c = static_cast<std::uint32_t>(g * Map::s_uBilinearGroupColumns);
+      if (!Group16(w.s, o, group, c, stride, blocks)) {
+        BilinearGroupByBlocks(w, o, group, c);
+      }
+    }
+  }
+  // Clean upper halves for the SSE code that runs next (no penalty for mixing the two).
+  _mm256_zeroupper();
+}
+
+#undef DEWARP_AVX2_INLINE
+
+}  // namespace remap420
+}  // namespace libdewarp
+}  // namespace vemo

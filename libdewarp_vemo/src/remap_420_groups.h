@@ -1,0 +1,66 @@
+// Bilinear 4:2:0 remap over the group table of Map::GetBilinearGroupBuffer (private to the
+// remap sources).
+//
+// A row pair of the destination is walked sixteen columns (eight 2 x 2 blocks) at a time. A
+// group whose blocks all lie inside the picture goes through a vector kernel: the SSE2 one
+// (the baseline, four blocks at a time) or, on processors that have it, the AVX2 one (eight
+// blocks at a time), which is compiled in a file of its own and chosen once per frame. Any
+// other group (a block outside the picture, columns past the width) goes block by block
+// through the scalar kernel. All three compute the same single-precision operations in the
+// same order and truncate the same way, so they give the same bytes. On processors with AVX-512
+// a third kernel takes two groups at a time.
+//
+// The walk needs an even destination width, a source whose chroma samples lie inside the frame
+// and a source luma plane of at least eight bytes with stride and height below 32768 (the
+// conditions under which image_planar_420.cpp takes it).
+#pragma once
+
+#include "remap_420_blocks.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vemo {
+namespace libdewarp {
+namespace remap420 {
+
+struct GroupWalk {
+  Planes d;
+  Planes s;
+  const float* table;      // the group table
+  std::size_t groups;      // groups per row pair: ceil(width / 16)
+  std::size_t lumaPitch;   // destination luma row pitch
+  std::uint32_t width;     // destination width (even)
+  std::size_t rowPairs;    // destination height / 2
+
+  const float* Group(std::size_t r, std::size_t g) const {
+    return table + (r * groups + g) * Map::s_uBilinearGroupFloats;
+  }
+};
+
+// The blocks of one group (columns c to c + 15, those below the width) through the scalar
+// kernel.
+void BilinearGroupByBlocks(const GroupWalk& w, const RowPair& o, const float* group, std::uint32_t c);
+
+// Every row pair of the walk, SSE2 vector kernel.
+void BilinearGroupRowsSse2(const GroupWalk& w);
+
+// Every row pair of the walk, AVX2 vector kernel; only on processors with AVX2.
+void BilinearGroupRowsAvx2(const GroupWalk& w);
+
+// One group (columns c to c + 15) through the AVX2 kernel, or block by block when a block lies
+// outside the picture; only on processors with AVX2.
+void BilinearGroupAvx2(const GroupWalk& w, const RowPair& o, const float* group, std::uint32_t c);
+
+// Every row pair of the walk, AVX-512 vector kernel (two groups at a time); only on processors
+// with AVX-512 F, BW, DQ and VL.
+void BilinearGroupRowsAvx512(const GroupWalk& w);
+
+// Whether this processor (and its operating system) runs AVX2 code, and AVX-512 code of the
+// four subsets above.
+bool ProcessorHasAvx2();
+bool ProcessorHasAvx512();
+
+}  // namespace remap420
+}  // namespace libdewarp
+}  // namespace vemo
