@@ -1,7 +1,5 @@
 #include "ActiDewarper.h"
 
-#include <climits>
-
 #include "makers/MakerLibrary.h"
 #include "makers/MakerValues.h"
 #include "makers/acti_api.h"
@@ -109,10 +107,7 @@ bool ActiDewarper::Check() {
 void ActiDewarper::UpdatePosition() {}
 
 void ActiDewarper::SetSubMode(int subMode) {
-  if (subMode == 0) {
-    subMode = 1;
-  }
-  if (subMode == m_subMode) {
+  if (!IsSubModeChange(subMode)) {
     return;
   }
   Clear();
@@ -148,7 +143,7 @@ bool ActiDewarper::GetImageOutputBuffer(int* width, int* height, unsigned char**
 
 bool ActiDewarper::Transform() {
   // The library counts bytes per row in an int.
-  if (m_width > INT_MAX / kBytesPerPixel || m_dstWidth > INT_MAX / kBytesPerPixel) {
+  if (!RowBytesFitInInt(kBytesPerPixel)) {
     return false;
   }
   ST_FISHEYE_IMGINFO image;
@@ -178,20 +173,11 @@ float ActiDewarper::AdjustAspectRatio(float first, float) {
   return m_subMode == 2 ? kPanoramaAspect : kViewAspect;
 }
 
-void ActiDewarper::Clear() {
-  m_Pan = 0.0f;
-  m_Tilt = 0.0f;
-  m_Zoom = kHomeZoom;
-}
+void ActiDewarper::Clear() { ResetPosition(0.0f, 0.0f, kHomeZoom); }
 
 float ActiDewarper::GetZoomScaleModifier() { return kZoomPerStep; }
 
-float ActiDewarper::LimitZoomRange(float zoom) {
-  if (!(zoom >= kMinZoom)) {
-    return kMinZoom;
-  }
-  return zoom > kMaxZoom ? kMaxZoom : zoom;
-}
+float ActiDewarper::LimitZoomRange(float zoom) { return LimitZoomTo(zoom, kMinZoom, kMaxZoom); }
 
 bool ActiDewarper::InvertPan() { return m_Params.Position == 2; }
 

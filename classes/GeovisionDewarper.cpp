@@ -111,10 +111,7 @@ void GeovisionDewarper::UpdatePosition() {
 }
 
 void GeovisionDewarper::SetSubMode(int subMode) {
-  if (subMode == 0) {
-    subMode = 1;
-  }
-  if (subMode == m_subMode) {
+  if (!IsSubModeChange(subMode)) {
     return;
   }
   Clear();
@@ -141,20 +138,11 @@ bool GeovisionDewarper::GetImageOutputBuffer(int* width, int* height, unsigned c
 
 float GeovisionDewarper::AdjustAspectRatio(float first, float) { return m_subMode == 1 ? first : kAspect; }
 
-void GeovisionDewarper::Clear() {
-  m_Pan = 0.0f;
-  m_Tilt = 0.0f;
-  m_Zoom = kHomeZoom;
-}
+void GeovisionDewarper::Clear() { ResetPosition(0.0f, 0.0f, kHomeZoom); }
 
 float GeovisionDewarper::GetZoomScaleModifier() { return kZoomPerStep; }
 
-float GeovisionDewarper::LimitZoomRange(float zoom) {
-  if (!(zoom >= kMinZoom)) {
-    return kMinZoom;
-  }
-  return zoom > kMaxZoom ? kMaxZoom : zoom;
-}
+float GeovisionDewarper::LimitZoomRange(float zoom) { return LimitZoomTo(zoom, kMinZoom, kMaxZoom); }
 
 bool GeovisionDewarper::InvertPan() { return m_Params.Position == 2; }
 
@@ -174,6 +162,5 @@ void GeovisionDewarper::GetTiltRange(float& min, float& max, float& span, bool& 
 }
 
 void GeovisionDewarper::GetFormatAndSize(int width, int height, unsigned int* size, int* format) {
-  if (format != nullptr) *format = kPlanar420Format;
-  if (size != nullptr) *size = static_cast<unsigned int>(width) * 3u * static_cast<unsigned int>(height) / 2u;
+  Planar420FormatAndSize(width, height, kPlanar420Format, size, format);
 }

@@ -57,16 +57,17 @@ int IDewarperBase::StepCount(int direction, int speed) {
   return static_cast<int>(std::clamp<long long>(signedSteps, -INT_MAX, INT_MAX));
 }
 
+float IDewarperBase::StepChange(int steps, float min, float max, float span, bool invert) {
+  const float change = static_cast<float>(steps) * (max - min) / (span / kStepDegrees);
+  return invert ? -change : change;
+}
+
 void IDewarperBase::Pan(int direction, int speed) {
   const int steps = StepCount(direction, speed);
   float min = 0.0f, max = 0.0f, span = 0.0f;
   bool wraps = false;
   GetPanRange(min, max, span, wraps);
-  float change = static_cast<float>(steps) * (max - min) / (span / kStepDegrees);
-  if (InvertPan()) {
-    change = -change;
-  }
-  m_Pan = m_Pan + change;
+  m_Pan = m_Pan + StepChange(steps, min, max, span, InvertPan());
   SetPosition(m_Pan, m_Tilt, m_Zoom);
 }
 
@@ -77,11 +78,7 @@ void IDewarperBase::Tilt(int direction, int speed) {
   float min = 0.0f, max = 0.0f, span = 0.0f;
   bool wraps = false;
   GetTiltRange(min, max, span, wraps);
-  float change = static_cast<float>(steps) * (max - min) / (span / kStepDegrees);
-  if (InvertTilt()) {
-    change = -change;
-  }
-  m_Tilt = m_Tilt + change;
+  m_Tilt = m_Tilt + StepChange(steps, min, max, span, InvertTilt());
   SetPosition(m_Pan, m_Tilt, m_Zoom);
 }
 
@@ -105,6 +102,41 @@ void IDewarperBase::GetPosition(float& pan, float& tilt, float& zoom) {
   pan = m_Pan;
   tilt = m_Tilt;
   zoom = m_Zoom;
+}
+
+float IDewarperBase::LimitZoomTo(float zoom, float min, float max) {
+  if (!(zoom >= min)) {
+    return min;
+  }
+  return zoom > max ? max : zoom;
+}
+
+void IDewarperBase::Planar420FormatAndSize(int width, int height, int formatCode, unsigned int* size,
+                                           int* format) {
+  if (format != nullptr) *format = formatCode;
+  if (size != nullptr) *size = static_cast<unsigned int>(width) * 3u * static_cast<unsigned int>(height) / 2u;
+}
+
+bool IDewarperBase::IsSubModeChange(int& subMode) const {
+  if (subMode == 0) {
+    subMode = 1;
+  }
+  return subMode != m_subMode;
+}
+
+void IDewarperBase::ResetPosition(float pan, float tilt, float zoom) {
+  m_Pan = pan;
+  m_Tilt = tilt;
+  m_Zoom = zoom;
+}
+
+bool IDewarperBase::RowBytesFitInInt(int bytesPerPixel) const {
+  return m_width <= INT_MAX / bytesPerPixel && m_dstWidth <= INT_MAX / bytesPerPixel;
+}
+
+void IDewarperBase::ForgetInputSize() {
+  m_width = 0;
+  m_height = 0;
 }
 
 bool IDewarperBase::IsFrameSizeUsable(long long width, long long height) {

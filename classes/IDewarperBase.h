@@ -59,6 +59,26 @@ protected:
   static bool IsFrameSizeUsable(long long width, long long height);
   // The number of PTZ steps a host request stands for: speed + 1 in the direction's sign.
   static int StepCount(int direction, int speed);
+  // The change of `steps` PTZ steps on a range [min, max] of nominal span `span` degrees: each
+  // step moves a fixed fraction of a degree of the span, scaled to the range; negated on request.
+  static float StepChange(int steps, float min, float max, float span, bool invert);
+  // Keeps a zoom inside [min, max]; a NaN zoom counts as below the range.
+  static float LimitZoomTo(float zoom, float min, float max);
+  // One planar YUV 4:2:0 frame under the host's format code `formatCode`: width x height luma
+  // bytes and half as many chroma bytes, counted in unsigned arithmetic (usable sizes only).
+  static void Planar420FormatAndSize(int width, int height, int formatCode, unsigned int* size, int* format);
+
+  // Takes a host's sub-mode request: 0 stands for 1. True when the (normalised) request differs
+  // from the current sub-mode, i.e. when the adapter has something to change.
+  bool IsSubModeChange(int& subMode) const;
+  // Places the virtual camera at a home position; nothing is limited or applied.
+  void ResetPosition(float pan, float tilt, float zoom);
+  // Whether one row of the input and of the output frame, at `bytesPerPixel` bytes a pixel, can
+  // be counted in an int (as the maker libraries and the panoramic processor count them).
+  bool RowBytesFitInInt(int bytesPerPixel) const;
+  // Forgets the input frame's recorded size: the next input buffer request provides a new frame
+  // and the dewarper is configured anew.
+  void ForgetInputSize();
 
   DewarpParams_t m_Params;
   int m_width;

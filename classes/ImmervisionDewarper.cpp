@@ -148,10 +148,7 @@ void ImmervisionDewarper::UpdatePosition() {
 }
 
 void ImmervisionDewarper::SetSubMode(int subMode) {
-  if (subMode == 0) {
-    subMode = 1;
-  }
-  if (subMode == m_subMode) {
+  if (!IsSubModeChange(subMode)) {
     return;
   }
   m_subMode = subMode;
@@ -188,11 +185,7 @@ bool ImmervisionDewarper::GetImageOutputBuffer(int* width, int* height, unsigned
   return Succeeded(Library()->Update(m_IMV1));
 }
 
-void ImmervisionDewarper::Clear() {
-  m_Pan = 0.0f;
-  m_Tilt = 0.0f;
-  m_Zoom = kHomeZoom;
-}
+void ImmervisionDewarper::Clear() { ResetPosition(0.0f, 0.0f, kHomeZoom); }
 
 // "RPL Number <name>" of the lens at `index`, cut to `size` bytes; the text's length, or 0 for
 // an index outside the table (the buffer is then left as it is).
@@ -211,9 +204,4 @@ int ImmervisionDewarper::GetLens(int index, char* buffer, size_t size) {
 
 float ImmervisionDewarper::GetZoomScaleModifier() { return kZoomPerStep; }
 
-float ImmervisionDewarper::LimitZoomRange(float zoom) {
-  if (!(zoom >= kMinZoom)) {
-    return kMinZoom;
-  }
-  return zoom > kMaxZoom ? kMaxZoom : zoom;
-}
+float ImmervisionDewarper::LimitZoomRange(float zoom) { return LimitZoomTo(zoom, kMinZoom, kMaxZoom); }

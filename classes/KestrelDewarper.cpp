@@ -91,15 +91,10 @@ float KestrelDewarper::LimitZoomRange(float zoom) {
   return zoom;
 }
 
-void KestrelDewarper::Clear() {
-  m_Pan = 0.0f;
-  m_Tilt = 0.0f;
-  m_Zoom = kHomeZoom;
-}
+void KestrelDewarper::Clear() { ResetPosition(0.0f, 0.0f, kHomeZoom); }
 
 void KestrelDewarper::GetFormatAndSize(int width, int height, unsigned int* size, int* format) {
-  if (format != nullptr) *format = kPlanar420Format;
-  if (size != nullptr) *size = static_cast<unsigned int>(width) * 3u * static_cast<unsigned int>(height) / 2u;
+  Planar420FormatAndSize(width, height, kPlanar420Format, size, format);
 }
 
 // The single PTZ view keeps the host's aspect (the first argument); the panoramic views have a
@@ -127,10 +122,7 @@ void KestrelDewarper::SetDewarperType(DewarperType::DewarperTypes type) {
 }
 
 void KestrelDewarper::SetSubMode(int subMode) {
-  if (subMode == 0) {
-    subMode = 1;
-  }
-  if (subMode == m_subMode) {
+  if (!IsSubModeChange(subMode)) {
     return;
   }
   CloseChannel();

@@ -138,10 +138,7 @@ void SamsungDewarper::UpdatePosition() {
 }
 
 void SamsungDewarper::SetSubMode(int subMode) {
-  if (subMode == 0) {
-    subMode = 1;
-  }
-  if (subMode == m_subMode) {
+  if (!IsSubModeChange(subMode)) {
     return;
   }
   Clear();
@@ -172,20 +169,11 @@ bool SamsungDewarper::GetImageOutputBuffer(int* width, int* height, unsigned cha
   return Library()->Update(m_dewarper) == 1;
 }
 
-void SamsungDewarper::Clear() {
-  m_Pan = 0.5f;
-  m_Tilt = 0.5f;
-  m_Zoom = 1.0f;
-}
+void SamsungDewarper::Clear() { ResetPosition(0.5f, 0.5f, 1.0f); }
 
 float SamsungDewarper::GetZoomScaleModifier() { return (m_MaxZoom - m_MinZoom) / 200.0f; }
 
-float SamsungDewarper::LimitZoomRange(float zoom) {
-  if (!(zoom >= m_MinZoom)) {
-    return m_MinZoom;
-  }
-  return zoom > m_MaxZoom ? m_MaxZoom : zoom;
-}
+float SamsungDewarper::LimitZoomRange(float zoom) { return LimitZoomTo(zoom, m_MinZoom, m_MaxZoom); }
 
 // Normalised: 0 to 1 always; span and wrapping as the base has them for the mounting.
 void SamsungDewarper::GetPanRange(float& min, float& max, float& span, bool& wraps) {

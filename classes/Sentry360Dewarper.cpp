@@ -1,6 +1,5 @@
 #include "Sentry360Dewarper.h"
 
-#include <climits>
 #include <new>
 
 #include <ImageProcessor.h>
@@ -45,15 +44,11 @@ bool Sentry360Dewarper::Check() {
 }
 
 void Sentry360Dewarper::SetSubMode(int subMode) {
-  if (subMode == 0) {
-    subMode = 1;
-  }
-  if (subMode == m_subMode) {
+  if (!IsSubModeChange(subMode)) {
     return;
   }
   m_subMode = subMode;
-  m_width = 0;
-  m_height = 0;
+  ForgetInputSize();
   Clear();
 }
 
@@ -83,18 +78,14 @@ float Sentry360Dewarper::AdjustAspectRatio(float, float second) {
   return m_subMode == 2 ? kPanoramaAspect : second;
 }
 
-void Sentry360Dewarper::Clear() {
-  m_Pan = 0.0f;
-  m_Tilt = 0.0f;
-  m_Zoom = kHomeZoom;
-}
+void Sentry360Dewarper::Clear() { ResetPosition(0.0f, 0.0f, kHomeZoom); }
 
 bool Sentry360Dewarper::InitOptions() {
   if (!Check()) {
     return false;
   }
   // The processor counts bytes per row in an int.
-  if (m_width > INT_MAX / kBytesPerPixel || m_dstWidth > INT_MAX / kBytesPerPixel) {
+  if (!RowBytesFitInInt(kBytesPerPixel)) {
     Unconfigure();
     return false;
   }

@@ -72,8 +72,7 @@ bool VivotekDewarper::Check() {
 bool VivotekDewarper::InitOptions() {
   const VivotekCalls* calls = Library();
   if (calls == nullptr || m_Vivotek == nullptr) {
-    m_width = 0;
-    m_height = 0;
+    ForgetInputSize();
     return false;
   }
   FISHEYE_OPTION option;
@@ -96,8 +95,7 @@ bool VivotekDewarper::InitOptions() {
   option.DisplayHeight = static_cast<unsigned int>(m_dstHeight);
   if (calls->SetOption(m_Vivotek, &option) != 0) {
     // A new input buffer, and with it a new configuration, is needed before the next frame.
-    m_width = 0;
-    m_height = 0;
+    ForgetInputSize();
     return false;
   }
   UpdatePosition();
@@ -127,15 +125,11 @@ void VivotekDewarper::UpdatePosition() {
 }
 
 void VivotekDewarper::SetSubMode(int subMode) {
-  if (subMode == 0) {
-    subMode = 1;
-  }
-  if (subMode == m_subMode) {
+  if (!IsSubModeChange(subMode)) {
     return;
   }
   m_subMode = subMode;
-  m_width = 0;
-  m_height = 0;
+  ForgetInputSize();
   Release();
 }
 
@@ -162,16 +156,11 @@ float VivotekDewarper::AdjustAspectRatio(float first, float) {
   return m_subMode == 2 ? kPanoramaAspect : kViewAspect;
 }
 
-void VivotekDewarper::Clear() {
-  m_Pan = 0.0f;
-  m_Tilt = 0.0f;
-  m_Zoom = kHomeZoom;
-}
+void VivotekDewarper::Clear() { ResetPosition(0.0f, 0.0f, kHomeZoom); }
 
 // At least 70, no upper bound (NaN counts as below).
 float VivotekDewarper::LimitZoomRange(float zoom) { return zoom >= kMinZoom ? zoom : kMinZoom; }
 
 void VivotekDewarper::GetFormatAndSize(int width, int height, unsigned int* size, int* format) {
-  if (format != nullptr) *format = kPlanar420Format;
-  if (size != nullptr) *size = static_cast<unsigned int>(width) * 3u * static_cast<unsigned int>(height) / 2u;
+  Planar420FormatAndSize(width, height, kPlanar420Format, size, format);
 }

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "host_interfaces.h"
+#include "../host/host_interfaces.h"
 
 namespace {
 

@@ -1,7 +1,9 @@
 // The plug-in's binary interface as a host declares it for itself: the kinds, the creation
-// parameters, the two interfaces in their virtual-table order and the entry points.
-#ifndef TESTS_CLASSES_ADAPTERS_HOST_INTERFACES_H
-#define TESTS_CLASSES_ADAPTERS_HOST_INTERFACES_H
+// parameters, the two interfaces in their virtual-table order and the entry points. A host
+// includes no header of the plug-in; these declarations are its own, under its own namespace,
+// and meet the plug-in's objects only through the virtual tables.
+#ifndef TESTS_CLASSES_HOST_HOST_INTERFACES_H
+#define TESTS_CLASSES_HOST_HOST_INTERFACES_H
 
 #include <cstddef>
 
