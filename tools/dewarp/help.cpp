@@ -41,7 +41,10 @@ Pointing:
   --click X,Y           print the PTZ position (pan,tilt,roll,zoom, the form --ptz takes)
                         that dewarp_calc_ptz_position gives for the output pixel X,Y of the
                         view chosen by the other options; with --raw, X,Y is a pixel of the
-                        fisheye picture itself
+                        fisheye picture itself. The answer is the engine's reading of the
+                        fisheye point under the pixel, in the lens's own angles (rows counted
+                        from the top); fed back with --ptz it aims a PTZ view at the point on a
+                        wall mount once the tilt's sign is turned, not on other mounts
   --max-zoom Z          the largest zoom --click may answer (default 4)
 
 Plug-in:
@@ -77,7 +80,6 @@ Examples:
   dewarp --view quad-ptz --ptz 0,-40 --size 1280x960 fisheye.png quad.png
   dewarp --view dual-panoramic --projection equirectangular fisheye.png dual.png
   dewarp --click 480,200 --size 960x540 fisheye.png    PTZ position of a panorama pixel
-  dewarp --view ptz --ptz "$(dewarp -q --click 480,200 --size 960x540 fisheye.png)" fisheye.png there.png
   ffmpeg -i fisheye.mp4 -f yuv4mpegpipe -pix_fmt yuv420p - | dewarp --size 1280x480 - out.y4m
   ffmpeg -i fisheye.mp4 -f yuv4mpegpipe - | dewarp --view ptz - - | ffplay -
   dewarp --kind Kestrel --sub-mode 2 --mount ceiling fisheye.png plugin.png
