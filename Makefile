@@ -46,10 +46,12 @@ test-asan: build-asan
 	cd build/asan && ASAN_OPTIONS=halt_on_error=1:detect_leaks=1 \
 	  UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 $(CTEST)
 
-# Concurrency: the channel stress test under ThreadSanitizer (only that program is built there).
+# Concurrency under ThreadSanitizer: the channel stress test, and the table memory tests (threads
+# sharing the kept table blocks). Only those two programs are built there.
 test-tsan: build/tsan/CMakeCache.txt
-	cmake --build build/tsan -j $(JOBS) --target test_channel_stress
+	cmake --build build/tsan -j $(JOBS) --target test_channel_stress test_maps
 	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 build/tsan/bin/test_channel_stress
+	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 build/tsan/bin/test_maps --gtest_filter='TableMemory.*'
 
 # Bad input through the C interface: libFuzzer from the seed corpus for a bounded time; any crash,
 # sanitizer report or leak fails. New inputs go to build/fuzz/corpus, never into the repository.

@@ -6,10 +6,17 @@
 //                                      dewarp_image until the frame is written (median, min, max)
 //   bin/engine_bench first <kind>      first frame of a never-seen view in this process
 //                                      (kind 0-5 as DEWARP_VIEW), and the memory the channel added
+//                                      (kept_mb of it: released tables the process keeps for reuse)
 //   bin/engine_bench channels <count>  resident and address-space growth per single PTZ channel
 //                                      over `count` channels, each after its first frame
 //   bin/engine_bench frame <mode>      steady frame time through dewarp_image (0 nearest, 1 bilinear)
+//   bin/engine_bench pages             what one 1920 x 1080 pair of float tables (16.6 MB) costs to
+//                                      write in fresh memory (mapped and populated, then written)
+//                                      and again in the same, now warm, memory: the floor under
+//                                      every first frame
 #include <libdewarp_vemo/dewarp.h>
+
+#include "../libdewarp_vemo/src/table_memory.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -19,6 +26,8 @@
 #include <cstring>
 #include <ctime>
 #include <vector>
+
+#include <sys/mman.h>
 
 namespace {
 
@@ -130,8 +139,9 @@ int First(int kind) {
   }
   const double elapsed = CpuMilliseconds() - start;
   Memory(rss1, vm1);
-  std::printf("kind=%d first_frame_ms=%.3f rss_added_mb=%.1f vm_added_mb=%.1f\n", kind, elapsed,
-              (rss1 - rss0) / 1048576.0, (vm1 - vm0) / 1048576.0);
+  std::printf("kind=%d first_frame_ms=%.3f rss_added_mb=%.1f vm_added_mb=%.1f kept_mb=%.1f\n", kind, elapsed,
+              (rss1 - rss0) / 1048576.0, (vm1 - vm0) / 1048576.0,
+              vemo::libdewarp::table_memory::SpareBytes() / 1048576.0);
   dewarp_close(channel);
   return 0;
 }
@@ -185,6 +195,28 @@ int Frame(int mode) {
   return 0;
 }
 
+int Pages() {
+  const std::size_t bytes = std::size_t(kDstWidth) * kDstHeight * 2 * sizeof(float);
+  std::vector<double> fresh, warm;
+  for (int i = 0; i < 5; ++i) {
+    const double start = CpuMilliseconds();
+    void* pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+    if (pages == MAP_FAILED) {
+      return Fail("mmap");
+    }
+    std::memset(pages, i + 1, bytes);
+    const double middle = CpuMilliseconds();
+    std::memset(pages, i + 2, bytes);
+    warm.push_back(CpuMilliseconds() - middle);
+    fresh.push_back(middle - start);
+    munmap(pages, bytes);
+  }
+  std::sort(fresh.begin(), fresh.end());
+  std::sort(warm.begin(), warm.end());
+  std::printf("pages_mb=%.1f fresh_ms=%.3f warm_ms=%.3f\n", bytes / 1e6, fresh[2], warm[2]);
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -202,6 +234,9 @@ int main(int argc, char** argv) {
   if (std::strcmp(what, "frame") == 0) {
     return Frame(arg);
   }
-  std::fprintf(stderr, "usage: %s reaim [count] | first <kind 0-5> | channels [count] | frame <0|1>\n", argv[0]);
+  if (std::strcmp(what, "pages") == 0) {
+    return Pages();
+  }
+  std::fprintf(stderr, "usage: %s reaim [count] | first <kind 0-5> | channels [count] | frame <0|1> | pages\n", argv[0]);
   return 2;
 }

@@ -1,6 +1,7 @@
 // Lattice interpolation shared by the grid, quadrant and PTZ builders.
 #include <libdewarp_vemo/map_builder.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -137,13 +138,6 @@ public:
     }
   }
 
-  void EvaluateAll(const LatticeCell& obCell) {
-    for (int j = obCell.nTop; j <= obCell.nBottom; ++j) {
-      for (int k = obCell.nLeft; k <= obCell.nRight; ++k) {
-        Evaluate(k, j);
-      }
-    }
-  }
 
   // The listed parts of refined cells, after the lattice's own cells of the same kind.
   void FillListedNoSource() {
@@ -153,8 +147,25 @@ public:
     for (const LatticeCell& obCell : m_aobBlend) Blend(obCell, false);
     for (const LatticeCell& obCell : m_aobBlendKeepMiddle) Blend(obCell, true);
   }
+  // Neighbouring listed cells share their edges. Nothing but exact values is written from here
+  // on, so a point evaluated once keeps its value and is not evaluated again (one bit per
+  // element of the rows the listed cells reach).
   void EvaluateListed() {
-    for (const LatticeCell& obCell : m_aobEvaluate) EvaluateAll(obCell);
+    int nRows = 0;
+    for (const LatticeCell& obCell : m_aobEvaluate) nRows = std::max(nRows, obCell.nBottom + 1);
+    std::vector<std::uint32_t> auDone((static_cast<std::size_t>(nRows) * m_nStride + 31) / 32, 0u);
+    for (const LatticeCell& obCell : m_aobEvaluate) {
+      for (int j = obCell.nTop; j <= obCell.nBottom; ++j) {
+        for (int k = obCell.nLeft; k <= obCell.nRight; ++k) {
+          const std::size_t n = static_cast<std::size_t>(j) * m_nStride + k;
+          const std::uint32_t uBit = std::uint32_t(1) << (n % 32);
+          if ((auDone[n / 32] & uBit) == 0) {
+            auDone[n / 32] |= uBit;
+            Evaluate(k, j);
+          }
+        }
+      }
+    }
   }
 
 private:

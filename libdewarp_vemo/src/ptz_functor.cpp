@@ -1,10 +1,13 @@
 #include <libdewarp_vemo/ptz_functor.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 #include <libdewarp_vemo/floating_point.h>
 #include <libdewarp_vemo/image_map.h>
 #include <libdewarp_vemo/log.h>
+#include <libdewarp_vemo/map.h>
 #include <libdewarp_vemo/ptz_position.h>
 #include <libdewarp_vemo/trigonometry.h>
 #include <libdewarp_vemo/vector_3d.h>
@@ -14,16 +17,44 @@ namespace libdewarp {
 
 namespace {
 
-// Reads one element pair of the map, relative to obOffset. A corner outside the map (or not a
-// number) reads as the invalid vector, so a point the caller let stray beyond the map comes
-// out as "no source" instead of a read outside the tables.
-Vector2d ReadCorner(const ImageMap& obMap, DEWARP_FLOAT fX, DEWARP_FLOAT fY, const Vector2d& obOffset) {
-  const DEWARP_FLOAT fCols = static_cast<DEWARP_FLOAT>(obMap.GetMapWidth());
-  const DEWARP_FLOAT fRows = static_cast<DEWARP_FLOAT>(obMap.GetMapHeight());
-  if (!(fX >= 0.0f && fX < fCols && fY >= 0.0f && fY < fRows)) return Vector2d::InvalidVector;
-  const Vector2d obItem = obMap.GetMapItem(static_cast<int>(fX), static_cast<int>(fY));
-  return Vector2d(obItem.X - obOffset.X, obItem.Y - obOffset.Y);
-}
+// Reads element pairs of a map, relative to an offset. A corner outside the map (or not a
+// number) reads as the invalid vector, so a point the caller let stray beyond the map comes out
+// as "no source" instead of a read outside the tables. The builders' maps hold both tables as
+// floats, and those are read directly (the values GetMapItem gives, without a call per
+// element); any other map is read through GetMapItem.
+class CornerReader {
+public:
+  explicit CornerReader(const ImageMap& obMap)
+      : m_obMap(obMap),
+        m_pfX(obMap.GetMapX().GetTypePtr<float>()),
+        m_pfY(obMap.GetMapY().GetTypePtr<float>()),
+        m_nCols(obMap.GetMapX().GetCols()),
+        m_nCount(std::min(obMap.GetMapX().GetAllocatedCount(), obMap.GetMapY().GetAllocatedCount())),
+        m_fCols(static_cast<DEWARP_FLOAT>(obMap.GetMapWidth())),
+        m_fRows(static_cast<DEWARP_FLOAT>(obMap.GetMapHeight())),
+        m_bDirect(m_pfX && m_pfY && obMap.GetMapX().GetType() == Map::FLOAT &&
+                  obMap.GetMapY().GetType() == Map::FLOAT && obMap.GetMapY().GetCols() == m_nCols) {}
+
+  Vector2d Read(DEWARP_FLOAT fX, DEWARP_FLOAT fY, const Vector2d& obOffset) const {
+    if (!(fX >= 0.0f && fX < m_fCols && fY >= 0.0f && fY < m_fRows)) return Vector2d::InvalidVector;
+    const unsigned int x = static_cast<unsigned int>(static_cast<int>(fX));
+    const unsigned int y = static_cast<unsigned int>(static_cast<int>(fY));
+    const std::size_t nIndex = static_cast<std::size_t>(y) * m_nCols + x;
+    const Vector2d obItem = m_bDirect && nIndex < m_nCount ? Vector2d(m_pfX[nIndex], m_pfY[nIndex])
+                                                           : m_obMap.GetMapItem(x, y);
+    return Vector2d(obItem.X - obOffset.X, obItem.Y - obOffset.Y);
+  }
+
+private:
+  const ImageMap& m_obMap;
+  const float* m_pfX;
+  const float* m_pfY;
+  std::size_t m_nCols;
+  std::size_t m_nCount;
+  DEWARP_FLOAT m_fCols;
+  DEWARP_FLOAT m_fRows;
+  bool m_bDirect;
+};
 
 }  // namespace
 
@@ -86,10 +117,11 @@ Vector2d PtzFunctor::Zoom(const Vector2d& obPoint, DEWARP_FLOAT fZoom) const {
   const DEWARP_FLOAT x1 = FloatingPoint::ceiling(z.X);
   const DEWARP_FLOAT y0 = FloatingPoint::floor(z.Y);
   const DEWARP_FLOAT y1 = FloatingPoint::ceiling(z.Y);
-  const Vector2d c00 = ReadCorner(*m_pobImageMap, x0, y0, m_obInputOffset);
-  const Vector2d c10 = ReadCorner(*m_pobImageMap, x1, y0, m_obInputOffset);
-  const Vector2d c01 = ReadCorner(*m_pobImageMap, x0, y1, m_obInputOffset);
-  const Vector2d c11 = ReadCorner(*m_pobImageMap, x1, y1, m_obInputOffset);
+  const CornerReader obMap(*m_pobImageMap);
+  const Vector2d c00 = obMap.Read(x0, y0, m_obInputOffset);
+  const Vector2d c10 = obMap.Read(x1, y0, m_obInputOffset);
+  const Vector2d c01 = obMap.Read(x0, y1, m_obInputOffset);
+  const Vector2d c11 = obMap.Read(x1, y1, m_obInputOffset);
 
   const DEWARP_FLOAT fx = z.X - x0;
   const DEWARP_FLOAT fy = z.Y - y0;

@@ -1,13 +1,15 @@
 #include "table_memory.h"
 
+#include <mutex>
 #include <new>
 
 #include <sys/mman.h>
+#include <unistd.h>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__)
 #define DEWARP_TABLES_FROM_HEAP 1
 #elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
+#if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer)
 #define DEWARP_TABLES_FROM_HEAP 1
 #endif
 #endif
@@ -24,6 +26,102 @@ std::shared_ptr<void> FromHeap(std::size_t bytes) {
   return std::shared_ptr<void>(array, [](void* p) { delete[] static_cast<double*>(p); });
 }
 
+// Released mapped blocks kept for reuse, most recently released first. Constant-initialised,
+// so it exists before any table is made and is destroyed after every static object that could
+// hold one; a block released after that is unmapped at once.
+class SparePool {
+public:
+  constexpr SparePool() : m_aBlocks(), m_nCount(0), m_nHeld(0), m_bClosed(false) {}
+  ~SparePool() {
+    std::lock_guard<std::mutex> obLock(m_obMutex);
+    DropFrom(0);
+    m_bClosed = true;
+  }
+
+  // A kept block for `bytes`, taken out of the pool, or null: one of exactly that size, or
+  // else the smallest larger one, cut down to the request (its pages past the request are
+  // unmapped, so nothing is held that the table does not use).
+  void* Take(std::size_t bytes) {
+    std::lock_guard<std::mutex> obLock(m_obMutex);
+    int nBest = -1;
+    for (int i = 0; i < m_nCount; ++i) {
+      if (m_aBlocks[i].nBytes >= bytes && (nBest < 0 || m_aBlocks[i].nBytes < m_aBlocks[nBest].nBytes)) {
+        nBest = i;
+      }
+    }
+    if (nBest < 0) {
+      return nullptr;
+    }
+    const Block obBlock = m_aBlocks[nBest];
+    m_nHeld -= obBlock.nBytes;
+    for (int k = nBest + 1; k < m_nCount; ++k) m_aBlocks[k - 1] = m_aBlocks[k];
+    --m_nCount;
+    const std::size_t nKeep = PageRound(bytes), nHave = PageRound(obBlock.nBytes);
+    if (nHave > nKeep) {
+      munmap(static_cast<char*>(obBlock.pBlock) + nKeep, nHave - nKeep);
+    }
+    return obBlock.pBlock;
+  }
+
+  // Keeps a released block, pushing the oldest ones out as far as needed; one that cannot be
+  // kept is unmapped.
+  void Give(void* pBlock, std::size_t bytes) {
+    {
+      std::lock_guard<std::mutex> obLock(m_obMutex);
+      if (!m_bClosed && bytes <= s_nSpareBytes) {
+        while (m_nCount > 0 && (m_nCount == s_nSpareBlocks || m_nHeld + bytes > s_nSpareBytes)) {
+          DropFrom(m_nCount - 1);
+        }
+        for (int k = m_nCount; k > 0; --k) m_aBlocks[k] = m_aBlocks[k - 1];
+        m_aBlocks[0] = Block{pBlock, bytes};
+        ++m_nCount;
+        m_nHeld += bytes;
+        return;
+      }
+    }
+    munmap(pBlock, bytes);
+  }
+
+  std::size_t Held() {
+    std::lock_guard<std::mutex> obLock(m_obMutex);
+    return m_nHeld;
+  }
+
+  void DropAll() {
+    std::lock_guard<std::mutex> obLock(m_obMutex);
+    DropFrom(0);
+  }
+
+private:
+  struct Block {
+    void* pBlock;
+    std::size_t nBytes;
+  };
+
+  static std::size_t PageRound(std::size_t bytes) {
+    const long nSystemPage = sysconf(_SC_PAGESIZE);
+    const std::size_t nPage = nSystemPage > 0 ? static_cast<std::size_t>(nSystemPage) : 4096;
+    return (bytes + nPage - 1) / nPage * nPage;
+  }
+
+  // Unmaps the blocks from index `first` on (the caller holds the lock).
+  void DropFrom(int first) {
+    for (int i = first; i < m_nCount; ++i) {
+      munmap(m_aBlocks[i].pBlock, m_aBlocks[i].nBytes);
+      m_nHeld -= m_aBlocks[i].nBytes;
+    }
+    if (first < m_nCount) m_nCount = first;
+  }
+
+  std::mutex m_obMutex;
+  Block m_aBlocks[s_nSpareBlocks];
+  int m_nCount;
+  std::size_t m_nHeld;
+  bool m_bClosed;
+};
+
+SparePool g_obSpares;
+
 }  // namespace
 
 std::shared_ptr<void> Allocate(std::size_t bytes) {
@@ -31,20 +129,40 @@ std::shared_ptr<void> Allocate(std::size_t bytes) {
   // From this size on a table is mapped directly (a quarter of a 1024 x 1024 float table).
   const std::size_t kMappedFrom = std::size_t(1) << 20;
   if (bytes >= kMappedFrom) {
-    void* pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
-    if (pages == MAP_FAILED) {
-      throw std::bad_alloc();
+    void* pages = g_obSpares.Take(bytes);
+    if (!pages) {
+      pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+      if (pages == MAP_FAILED) {
+        // Kept blocks may be what fills the address space: give them back and try once more.
+        g_obSpares.DropAll();
+        pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+      }
+      if (pages == MAP_FAILED) {
+        throw std::bad_alloc();
+      }
     }
     try {
-      return std::shared_ptr<void>(pages, [bytes](void* p) { munmap(p, bytes); });
+      return std::shared_ptr<void>(pages, [bytes](void* p) { g_obSpares.Give(p, bytes); });
     } catch (...) {
-      munmap(pages, bytes);
+      g_obSpares.Give(pages, bytes);
       throw;
     }
   }
 #endif
   return FromHeap(bytes);
 }
+
+bool KeepsSpares() {
+#ifdef DEWARP_TABLES_FROM_HEAP
+  return false;
+#else
+  return true;
+#endif
+}
+
+std::size_t SpareBytes() { return g_obSpares.Held(); }
+
+void ReleaseSpares() { g_obSpares.DropAll(); }
 
 }  // namespace table_memory
 }  // namespace libdewarp

@@ -237,6 +237,41 @@ TEST(PtzFunctor, PointsZoomedOutsideTheMapHaveNoSource) {
   EXPECT_FALSE(functor.Zoom(Vector2d(std::numeric_limits<float>::quiet_NaN(), 1.0f), 1.0f).Valid());
 }
 
+TEST(PtzFunctor, ZoomReadsFloatAndDoubleMapsAlike) {
+  // Float tables are read straight from memory, other maps element by element: both must give
+  // the same values bit for bit. A non-square map with uneven values and one NaN element, so
+  // that a wrong row length or a wrong element shows.
+  const int cols = 7, rows = 5;
+  std::unique_ptr<ImageMap> floats(new ImageMap(cols, rows));
+  floats->SetInputSize(Vector2d(30.0f, 20.0f));
+  for (int y = 0; y < rows; ++y)
+    for (int x = 0; x < cols; ++x)
+      floats->SetMapItem(x, y, Vector2d(0.37f * static_cast<float>(x * x) + 0.11f * static_cast<float>(y),
+                                        1.7f * static_cast<float>(y * y * y) - 0.3f * static_cast<float>(x)));
+  floats->SetMapItem(4, 2, Vector2d(std::numeric_limits<float>::quiet_NaN(), 1.0f));
+  ImageMap doubles(*floats);
+  doubles.GetMapX() = floats->GetMapX().convertTo(Map::DOUBLE);
+  doubles.GetMapY() = floats->GetMapY().convertTo(Map::DOUBLE);
+  ASSERT_EQ(Map::DOUBLE, doubles.GetMapX().GetType());
+  ASSERT_EQ(Map::FLOAT, floats->GetMapX().GetType());
+  SphericalPtzFunctor fromFloats(PtzPosition(), 100.0f, *floats);
+  SphericalPtzFunctor fromDoubles(PtzPosition(), 100.0f, doubles);
+  int compared = 0;
+  for (float y = -1.5f; y <= 6.0f; y += 0.25f) {
+    for (float x = -1.5f; x <= 8.0f; x += 0.375f) {
+      for (float zoom : {1.0f, 1.7f}) {
+        const Vector2d a = fromFloats.Zoom(Vector2d(x, y), zoom);
+        const Vector2d b = fromDoubles.Zoom(Vector2d(x, y), zoom);
+        EXPECT_TRUE(cameras_test::SameBits(a.X, b.X) && cameras_test::SameBits(a.Y, b.Y))
+            << "(" << x << ", " << y << ") zoom " << zoom << ": " << a.X << ", " << a.Y << " against " << b.X << ", "
+            << b.Y;
+        ++compared;
+      }
+    }
+  }
+  EXPECT_GT(compared, 600);
+}
+
 // ---- Call of the three functors ---------------------------------------------------------------
 
 TEST(SphericalPtzFunctor, CentreOfTheViewIsTheMapCentreRotated) {

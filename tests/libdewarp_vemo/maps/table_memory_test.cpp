@@ -1,5 +1,6 @@
-// Memory of coordinate tables: large tables mapped at once, small ones from the heap, and maps
-// whose tables are left for the builder to fill.
+// Memory of coordinate tables: large tables mapped at once, small ones from the heap, released
+// large tables kept (within bounds) for the next table of the same size, and maps whose tables
+// are left for the builder to fill.
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -7,6 +8,7 @@
 #include <memory>
 #include <vector>
 #include <new>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -24,6 +26,14 @@ bool IsFillByte(const void* p, std::size_t bytes) {
     if (c[i] != 0xFF) return false;
   }
   return true;
+}
+
+const std::size_t kMiB = std::size_t(1) << 20;
+
+// Starts a test of the kept blocks from an empty pool; false when this build keeps none.
+bool StartWithNoSpares() {
+  table_memory::ReleaseSpares();
+  return table_memory::KeepsSpares();
 }
 
 }  // namespace
@@ -99,4 +109,137 @@ TEST(TableMemory, ARemadeMapIsNanEverywhereAgain) {
   }
   Map second(Map::FLOAT, 1024, 600);
   EXPECT_TRUE(IsFillByte(second.GetTypePtr<float>(), second.GetMergedPixelCount() * sizeof(float)));
+}
+
+TEST(TableMemory, AReleasedLargeBlockServesTheNextRequestOfItsSize) {
+  if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
+  const std::size_t bytes = 3 * kMiB + 40;
+  void* first = nullptr;
+  {
+    std::shared_ptr<void> block = table_memory::Allocate(bytes);
+    first = block.get();
+    static_cast<unsigned char*>(first)[bytes - 1] = 0x5A;
+    EXPECT_EQ(0u, table_memory::SpareBytes());
+  }
+  EXPECT_EQ(bytes, table_memory::SpareBytes());
+  // A larger request does not take it.
+  std::shared_ptr<void> other = table_memory::Allocate(bytes + 4096);
+  EXPECT_NE(first, other.get());
+  EXPECT_EQ(bytes, table_memory::SpareBytes());
+  // The same size does, contents and all.
+  std::shared_ptr<void> again = table_memory::Allocate(bytes);
+  EXPECT_EQ(first, again.get());
+  EXPECT_EQ(0x5A, static_cast<unsigned char*>(again.get())[bytes - 1]);
+  EXPECT_EQ(0u, table_memory::SpareBytes());
+}
+
+TEST(TableMemory, ASmallerRequestTakesTheSmallestLargerBlockCutToSize) {
+  if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
+  void* small = nullptr;
+  void* large = nullptr;
+  {
+    std::shared_ptr<void> a = table_memory::Allocate(8 * kMiB);
+    std::shared_ptr<void> b = table_memory::Allocate(5 * kMiB);
+    large = a.get();
+    small = b.get();
+    static_cast<unsigned char*>(small)[0] = 0x33;
+  }
+  EXPECT_EQ(13 * kMiB, table_memory::SpareBytes());
+  // 3 MiB + 1: both blocks could serve it; the 5 MiB one is chosen and cut down.
+  std::shared_ptr<void> block = table_memory::Allocate(3 * kMiB + 1);
+  EXPECT_EQ(small, block.get());
+  EXPECT_EQ(0x33, static_cast<unsigned char*>(block.get())[0]);
+  static_cast<unsigned char*>(block.get())[3 * kMiB] = 1;  // the last byte asked for is there
+  EXPECT_EQ(8 * kMiB, table_memory::SpareBytes());
+  // Released again, it counts with its new size only.
+  block.reset();
+  EXPECT_EQ(8 * kMiB + 3 * kMiB + 1, table_memory::SpareBytes());
+  // And the 8 MiB block is still whole.
+  std::shared_ptr<void> whole = table_memory::Allocate(8 * kMiB);
+  EXPECT_EQ(large, whole.get());
+  static_cast<unsigned char*>(whole.get())[8 * kMiB - 1] = 2;
+}
+
+TEST(TableMemory, SmallBlocksAreNeverKept) {
+  if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
+  { std::shared_ptr<void> block = table_memory::Allocate(kMiB - 1); }
+  EXPECT_EQ(0u, table_memory::SpareBytes());
+}
+
+TEST(TableMemory, KeptBytesStayWithinTheBoundNewestFirst) {
+  if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
+  // Ten blocks of 12 MiB released one after another: 64 MiB hold five of them, the newest.
+  const std::size_t bytes = 12 * kMiB;
+  std::vector<std::shared_ptr<void>> blocks;
+  std::vector<void*> addresses;
+  for (int i = 0; i < 10; ++i) {
+    blocks.push_back(table_memory::Allocate(bytes));
+    addresses.push_back(blocks.back().get());
+  }
+  for (std::shared_ptr<void>& block : blocks) {
+    block.reset();
+    EXPECT_LE(table_memory::SpareBytes(), table_memory::s_nSpareBytes);
+  }
+  const std::size_t kept = table_memory::s_nSpareBytes / bytes;
+  ASSERT_EQ(5u, kept);
+  EXPECT_EQ(kept * bytes, table_memory::SpareBytes());
+  // They come back newest first: the last released block is handed out first.
+  for (std::size_t i = 0; i < kept; ++i) {
+    std::shared_ptr<void> block = table_memory::Allocate(bytes);
+    EXPECT_EQ(addresses[addresses.size() - 1 - i], block.get()) << i;
+    blocks[i] = block;
+  }
+  EXPECT_EQ(0u, table_memory::SpareBytes());
+}
+
+TEST(TableMemory, AtMostTheBoundNumberOfBlocksIsKept) {
+  if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
+  {
+    std::vector<std::shared_ptr<void>> blocks;
+    for (int i = 0; i < 12; ++i) blocks.push_back(table_memory::Allocate(kMiB + 8 * i));
+  }
+  // 8 blocks of the 12: the sizes of the last 8 released (vector elements go first to last).
+  std::size_t expected = 0;
+  for (int i = 4; i < 12; ++i) expected += kMiB + 8 * i;
+  ASSERT_EQ(8, table_memory::s_nSpareBlocks);
+  EXPECT_EQ(expected, table_memory::SpareBytes());
+}
+
+TEST(TableMemory, ABlockLargerThanTheBoundIsUnmappedAtOnce) {
+  if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
+  { std::shared_ptr<void> small = table_memory::Allocate(2 * kMiB); }
+  { std::shared_ptr<void> huge = table_memory::Allocate(table_memory::s_nSpareBytes + 4096); }
+  // The huge block is not kept and does not push the small one out.
+  EXPECT_EQ(2 * kMiB, table_memory::SpareBytes());
+  table_memory::ReleaseSpares();
+  EXPECT_EQ(0u, table_memory::SpareBytes());
+}
+
+TEST(TableMemory, ThreadsNeverShareAKeptBlock) {
+  table_memory::ReleaseSpares();
+  // Four threads take and release blocks of two sizes; each writes its own mark over both ends
+  // of the block and checks them before releasing it. A block handed to two holders at once
+  // would show another thread's mark.
+  const std::size_t sizes[2] = {2 * kMiB, 2 * kMiB + 4096};
+  std::vector<int> failures(4, 0);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&, t] {
+      for (int i = 0; i < 150; ++i) {
+        const std::size_t bytes = sizes[(i + t) % 2];
+        std::shared_ptr<void> block = table_memory::Allocate(bytes);
+        unsigned char* c = static_cast<unsigned char*>(block.get());
+        const unsigned char mark = static_cast<unsigned char>(16 * t + i % 16);
+        std::memset(c, mark, 4096);
+        std::memset(c + bytes - 4096, mark, 4096);
+        std::this_thread::yield();
+        for (std::size_t k = 0; k < 4096; k += 512) {
+          if (c[k] != mark || c[bytes - 1 - k] != mark) ++failures[t];
+        }
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (int t = 0; t < 4; ++t) EXPECT_EQ(0, failures[t]) << t;
+  EXPECT_LE(table_memory::SpareBytes(), table_memory::s_nSpareBytes);
 }
