@@ -12,6 +12,8 @@
 #include <libdewarp_vemo/resolution.h>
 #include <libdewarp_vemo/vector_2d.h>
 
+#include "map_rows.h"
+
 namespace vemo {
 namespace libdewarp {
 
@@ -43,13 +45,29 @@ ImageMap* CombinedMapBuilder::BuildImageMap(const ImageMap* pobFirstMap, const I
 ImageMap* CombinedMapBuilder::BuildImageMap(const ImageMap& obFirstMap, const ImageMap& obSecondMap) {
   const Vector2d obOutputResolution = obFirstMap.GetMapSize();
   const Vector2d obIntermediateResolution = obSecondMap.GetMapSize();
-  const Vector2d obInputResolution = obSecondMap.GetInputSize();
 
   // Every element of the result is written below (a source or none), unless the first map's
   // tables hold fewer elements than its size says; only then is the result filled first.
   const MapPlanes obFirst = GetPlanes(const_cast<ImageMap&>(obFirstMap));
   const bool bWritesAll = obFirst.nWidth == static_cast<int>(obOutputResolution.X) &&
                           obFirst.nHeight == static_cast<int>(obOutputResolution.Y);
+  std::unique_ptr<ImageMap> pobResult(
+      MapRows::NewCombinedMap(obOutputResolution, obSecondMap.GetInputSize(), bWritesAll));
+
+  const MapPlanes obResult = GetPlanes(*pobResult);
+  const MapPlanes obSecond = GetPlanes(const_cast<ImageMap&>(obSecondMap));
+  const int nRows = obResult.nHeight < obFirst.nHeight ? obResult.nHeight : obFirst.nHeight;
+  const int nCols = obResult.nWidth < obFirst.nWidth ? obResult.nWidth : obFirst.nWidth;
+  for (int Y = 0; Y < nRows; ++Y) {
+    MapRows::ComposeRow(obFirst.pfX + Y * obFirst.nWidth, obFirst.pfY + Y * obFirst.nWidth, nCols, obSecond,
+                        obIntermediateResolution, obResult.pfX + Y * obResult.nWidth,
+                        obResult.pfY + Y * obResult.nWidth);
+  }
+  return pobResult.release();
+}
+
+ImageMap* MapRows::NewCombinedMap(const Vector2d& obOutputResolution, const Vector2d& obInputResolution,
+                                  bool bWritesAll) {
   std::unique_ptr<ImageMap> pobResult;
   try {
     pobResult.reset(bWritesAll ? NewUnfilledImageMap(Resolution(obInputResolution), Resolution(obOutputResolution))
@@ -59,60 +77,60 @@ ImageMap* CombinedMapBuilder::BuildImageMap(const ImageMap& obFirstMap, const Im
   }
   if (!pobResult) {
     Error::SetLastError(ENOMEM);
-    throw Error(DEWARP_LOCATION("CombinedMapBuilder"), ENOMEM, "No memory for map");
+    // Reported as the combined build's own failure, whichever build made the map.
+    throw Error(CodeLocation(__FILE__, "CombinedMapBuilder", "BuildImageMap", __LINE__), ENOMEM,
+                "No memory for map");
   }
   pobResult->SetInputSize(obInputResolution);
+  return pobResult.release();
+}
 
-  const MapPlanes obResult = GetPlanes(*pobResult);
-  const MapPlanes obSecond = GetPlanes(const_cast<ImageMap&>(obSecondMap));
+namespace {
+
+// The two neighbouring whole coordinates of v, floor and ceiling, when both lie in [0, limit):
+// the four corners of the bilinear lookup are then inside the second map. The floor of a
+// non-negative value below 2^31 is its truncation, so no rounding call is needed; NaN fails the
+// first test.
+inline bool Span(float v, float fLimit, int& nLow, int& nHigh) {
+  if (!(v >= 0.0f) || !(v < fLimit)) {
+    return false;
+  }
+  nLow = static_cast<int>(v);
+  nHigh = nLow + (v > static_cast<float>(nLow) ? 1 : 0);
+  return static_cast<float>(nHigh) < fLimit;
+}
+
+}  // namespace
+
+void MapRows::ComposeRow(const float* pfFirstX, const float* pfFirstY, int nCols, const MapPlanes& obSecond,
+                         const Vector2d& obIntermediateResolution, float* pfResultX, float* pfResultY) {
   const float fWidth = obIntermediateResolution.X;
   const float fHeight = obIntermediateResolution.Y;
-  // The two neighbouring whole coordinates of v, floor and ceiling, when both lie in
-  // [0, limit): the four corners of the bilinear lookup are then inside the second map. The
-  // floor of a non-negative value below 2^31 is its truncation, so no rounding call is needed;
-  // NaN fails the first test.
-  auto span = [](float v, float fLimit, int& nLow, int& nHigh) {
-    if (!(v >= 0.0f) || !(v < fLimit)) {
-      return false;
-    }
-    nLow = static_cast<int>(v);
-    nHigh = nLow + (v > static_cast<float>(nLow) ? 1 : 0);
-    return static_cast<float>(nHigh) < fLimit;
-  };
-  const int nRows = obResult.nHeight < obFirst.nHeight ? obResult.nHeight : obFirst.nHeight;
-  const int nCols = obResult.nWidth < obFirst.nWidth ? obResult.nWidth : obFirst.nWidth;
   const float fNoSource = NoSource();
-  for (int Y = 0; Y < nRows; ++Y) {
-    const float* const pfFirstX = obFirst.pfX + Y * obFirst.nWidth;
-    const float* const pfFirstY = obFirst.pfY + Y * obFirst.nWidth;
-    float* const pfResultX = obResult.pfX + Y * obResult.nWidth;
-    float* const pfResultY = obResult.pfY + Y * obResult.nWidth;
-    for (int X = 0; X < nCols; ++X) {
-      const float fX = pfFirstX[X];
-      const float fY = pfFirstY[X];
-      int nLeft, nRight, nTop, nBottom;
-      // The intermediate size is the second map's size, so the corners index its tables.
-      if (!span(fX, fWidth, nLeft, nRight) || !span(fY, fHeight, nTop, nBottom) || nRight >= obSecond.nWidth ||
-          nBottom >= obSecond.nHeight) {
-        pfResultX[X] = fNoSource;
-        pfResultY[X] = fNoSource;
-        continue;
-      }
-      // Bilinear blend of the four corners, weights and sums in the order of MapBuilder::Bilinear.
-      const float fFractionX = fX - static_cast<float>(nLeft);
-      const float fFractionY = fY - static_cast<float>(nTop);
-      const float fTopLeft = (1.0f - fFractionX) * (1.0f - fFractionY);
-      const float fTopRight = fFractionX * (1.0f - fFractionY);
-      const float fBottomLeft = (1.0f - fFractionX) * fFractionY;
-      const float fBottomRight = fFractionX * fFractionY;
-      const int nTopRow = nTop * obSecond.nWidth, nBottomRow = nBottom * obSecond.nWidth;
-      pfResultX[X] = fTopLeft * obSecond.pfX[nTopRow + nLeft] + fTopRight * obSecond.pfX[nTopRow + nRight] +
-                     fBottomLeft * obSecond.pfX[nBottomRow + nLeft] + fBottomRight * obSecond.pfX[nBottomRow + nRight];
-      pfResultY[X] = fTopLeft * obSecond.pfY[nTopRow + nLeft] + fTopRight * obSecond.pfY[nTopRow + nRight] +
-                     fBottomLeft * obSecond.pfY[nBottomRow + nLeft] + fBottomRight * obSecond.pfY[nBottomRow + nRight];
+  for (int X = 0; X < nCols; ++X) {
+    const float fX = pfFirstX[X];
+    const float fY = pfFirstY[X];
+    int nLeft, nRight, nTop, nBottom;
+    // The intermediate size is the second map's size, so the corners index its tables.
+    if (!Span(fX, fWidth, nLeft, nRight) || !Span(fY, fHeight, nTop, nBottom) || nRight >= obSecond.nWidth ||
+        nBottom >= obSecond.nHeight) {
+      pfResultX[X] = fNoSource;
+      pfResultY[X] = fNoSource;
+      continue;
     }
+    // Bilinear blend of the four corners, weights and sums in the order of MapBuilder::Bilinear.
+    const float fFractionX = fX - static_cast<float>(nLeft);
+    const float fFractionY = fY - static_cast<float>(nTop);
+    const float fTopLeft = (1.0f - fFractionX) * (1.0f - fFractionY);
+    const float fTopRight = fFractionX * (1.0f - fFractionY);
+    const float fBottomLeft = (1.0f - fFractionX) * fFractionY;
+    const float fBottomRight = fFractionX * fFractionY;
+    const int nTopRow = nTop * obSecond.nWidth, nBottomRow = nBottom * obSecond.nWidth;
+    pfResultX[X] = fTopLeft * obSecond.pfX[nTopRow + nLeft] + fTopRight * obSecond.pfX[nTopRow + nRight] +
+                   fBottomLeft * obSecond.pfX[nBottomRow + nLeft] + fBottomRight * obSecond.pfX[nBottomRow + nRight];
+    pfResultY[X] = fTopLeft * obSecond.pfY[nTopRow + nLeft] + fTopRight * obSecond.pfY[nTopRow + nRight] +
+                   fBottomLeft * obSecond.pfY[nBottomRow + nLeft] + fBottomRight * obSecond.pfY[nBottomRow + nRight];
   }
-  return pobResult.release();
 }
 
 }  // namespace libdewarp

@@ -8,6 +8,8 @@
 #include <libdewarp_vemo/resolution.h>
 #include <libdewarp_vemo/vector_2d.h>
 
+#include "map_rows.h"
+
 namespace vemo {
 namespace libdewarp {
 
@@ -40,15 +42,19 @@ ImageMap* LinearMapBuilder::BuildImageMap(const Resolution& obInputResolution,
   for (int j = 0; j < obGrid.nRows; ++j) {
     const float fY = obGrid.fTop + static_cast<float>(j);
     const int nOffset = (obGrid.nRowBase + j) * obPlanes.nWidth + obGrid.nColBase;
-    float* const pfRowX = obPlanes.pfX + nOffset;
-    float* const pfRowY = obPlanes.pfY + nOffset;
-    for (int k = 0; k < obGrid.nCols; ++k) {
-      const Vector2d obSource = pfnMapping(Vector2d(obGrid.fLeft + static_cast<float>(k), fY));
-      pfRowX[k] = obSource.X + obInputOffset.X;
-      pfRowY[k] = obSource.Y + obInputOffset.Y;
-    }
+    MapRows::FillDenseRow(pfnMapping, obGrid.fLeft, fY, obGrid.nCols, obInputOffset, obPlanes.pfX + nOffset,
+                          obPlanes.pfY + nOffset);
   }
   return pobResult.release();
+}
+
+void MapRows::FillDenseRow(MapFunctor& pfnMapping, float fLeft, float fY, int nCols, const Vector2d& obInputOffset,
+                           float* pfRowX, float* pfRowY) {
+  for (int k = 0; k < nCols; ++k) {
+    const Vector2d obSource = pfnMapping(Vector2d(fLeft + static_cast<float>(k), fY));
+    pfRowX[k] = obSource.X + obInputOffset.X;
+    pfRowY[k] = obSource.Y + obInputOffset.Y;
+  }
 }
 
 }  // namespace libdewarp

@@ -2,6 +2,10 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <cstddef>
+#include <memory>
+#include <vector>
+
 #include <libdewarp_vemo/combined_map_builder.h>
 #include <libdewarp_vemo/image_map.h>
 #include <libdewarp_vemo/linear_map_builder.h>
@@ -12,21 +16,69 @@
 #include <libdewarp_vemo/shift_scale_functor.h>
 #include <libdewarp_vemo/vector_2d.h>
 
+#include "map_rows.h"
+
 namespace vemo {
 namespace libdewarp {
 
 namespace {
 
-// A shift/scale map S of the output size (dense, cheap functor) put in front of the projection
-// map P: each output pixel looks up S and then samples P there. P and S are freed at the end,
-// also when a step throws.
+// The composition of a dense map S of the output size over the projection map P, with S's rows
+// computed one at a time into a reusable row buffer and composed at once, S itself never stored.
+// The rows are those of the dense build over the output grid and each is composed as the combined
+// build composes it, so the result is bit for bit the combined build of S over P.
+class RowByRowComposition : public MapRows {
+public:
+  // Whether S has pixels: whole-pixel tables of at least one row and one column.
+  static bool HasPixels(const Resolution& obOutputResolution) {
+    return CropCoversOutput(obOutputResolution, obOutputResolution);
+  }
+
+  static ImageMap* Build(const Resolution& obOutputResolution, ImageMap& obProjectionMap, MapFunctor& pfnShiftScale) {
+    // S's tables, as its dense build would make them (every element written), and its grid.
+    const MapPlanes obFirst = {nullptr, nullptr, static_cast<int>(obOutputResolution.X),
+                               static_cast<int>(obOutputResolution.Y)};
+    const CropGrid obGrid = GetCropGrid(obOutputResolution, obOutputResolution, obFirst);
+    const Vector2d obFirstSize(static_cast<float>(obFirst.nWidth), static_cast<float>(obFirst.nHeight));
+    // S's tables hold exactly its size, so the combined build would write every element and
+    // leave the result unfilled; so does this one.
+    std::unique_ptr<ImageMap> pobResult(NewCombinedMap(obFirstSize, obProjectionMap.GetInputSize(), true));
+
+    const MapPlanes obResult = GetPlanes(*pobResult);
+    const MapPlanes obSecond = GetPlanes(obProjectionMap);
+    const Vector2d obIntermediateResolution = obProjectionMap.GetMapSize();
+    const Vector2d obInputOffset = obOutputResolution.Centre();
+    const int nRows = obResult.nHeight < obGrid.nRows ? obResult.nHeight : obGrid.nRows;
+    const int nCols = obResult.nWidth < obGrid.nCols ? obResult.nWidth : obGrid.nCols;
+    std::vector<float> afRowX(static_cast<std::size_t>(obGrid.nCols));
+    std::vector<float> afRowY(static_cast<std::size_t>(obGrid.nCols));
+    // The crop is the whole output, so grid row j and column k are S's row j and column k.
+    for (int j = 0; j < nRows; ++j) {
+      FillDenseRow(pfnShiftScale, obGrid.fLeft, obGrid.fTop + static_cast<float>(j), obGrid.nCols, obInputOffset,
+                   afRowX.data(), afRowY.data());
+      ComposeRow(afRowX.data(), afRowY.data(), nCols, obSecond, obIntermediateResolution,
+                 obResult.pfX + j * obResult.nWidth, obResult.pfY + j * obResult.nWidth);
+    }
+    return pobResult.release();
+  }
+};
+
+// The projection map P behind a shift/scale map S of the output size: each output pixel looks up
+// S and then samples P there. S is cheap to compute but as large as the output, so it is not
+// stored: it is computed row by row and each row composed with P at once, which saves writing and
+// reading back two output-sized tables and gives the same result. An output without pixels gives
+// an S without elements, composed by the builders themselves. P is freed at the end, also when a
+// step throws.
 ImageMap* Compose(const Resolution& obOutputResolution, ImageMap* pobProjectionMap, const Vector2d& obShift,
                   const Vector2d& obScale) {
   boost::shared_ptr<ImageMap> pobProjection(pobProjectionMap);
   ShiftScaleFunctor obFunctor(obShift, obScale);
-  boost::shared_ptr<ImageMap> pobShiftScale(
-      LinearMapBuilder().BuildImageMap(obOutputResolution, obOutputResolution, obFunctor));
-  return CombinedMapBuilder().BuildImageMap(*pobShiftScale, *pobProjection);
+  if (!RowByRowComposition::HasPixels(obOutputResolution)) {
+    boost::shared_ptr<ImageMap> pobShiftScale(
+        LinearMapBuilder().BuildImageMap(obOutputResolution, obOutputResolution, obFunctor));
+    return CombinedMapBuilder().BuildImageMap(*pobShiftScale, *pobProjection);
+  }
+  return RowByRowComposition::Build(obOutputResolution, *pobProjection, obFunctor);
 }
 
 bool IsRegular(const Vector2d& obShift, const Vector2d& obScale) {
