@@ -138,7 +138,6 @@ public:
     }
   }
 
-
   // The listed parts of refined cells, after the lattice's own cells of the same kind.
   void FillListedNoSource() {
     for (const LatticeCell& obCell : m_aobNoSource) FillNoSource(obCell);
