@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <cstddef>
-#include <type_traits>
 #include <typeinfo>
 
 namespace vemo {
@@ -72,10 +71,6 @@ inline void Block(const Planes& d, const Planes& s, const RowPair& o, const floa
                   std::uint32_t width, std::uint32_t c) {
   remap420::BilinearBlock<kChecked>(d, s, o, t, b, width, c);
 }
-inline bool Group(const Planes& s, const RowPair& o, const std::uint32_t* t, const std::uint32_t* b, std::uint32_t c,
-                  __m128i lumaMultiplier, __m128i chromaMultiplier) {
-  return remap420::NearestGroup(s, o, t, b, c, lumaMultiplier, chromaMultiplier);
-}
 
 // What a remap walks: both frames, the merged table (two values per pixel), the destination's
 // luma row pitch, width and number of row pairs.
@@ -106,39 +101,31 @@ void ScalarRows(const Walk<T>& w) {
   }
 }
 
-// Groups of kColumns columns through `group` where all their blocks are inside the picture, the
-// scalar kernel for the other groups and the last columns.
-template <std::uint32_t kColumns, class T, class GroupFunction>
-inline void GroupRow(const Walk<T>& w, const RowPair& o, std::size_t r, GroupFunction group) {
-  const T* top = w.Top(r);
-  const T* bottom = w.Bottom(r);
-  std::uint32_t c = 0;
-  for (; c + kColumns <= w.width; c += kColumns) {
-    const T* t = top + 2 * static_cast<std::size_t>(c);
-    const T* b = bottom + 2 * static_cast<std::size_t>(c);
-    if (!group(t, b, c)) {
-      for (std::uint32_t k = 0; k < kColumns; k += 2) {
-        Block<false>(w.d, w.s, o, t + 2 * k, b + 2 * k, w.width, c + k);
+// Nearest neighbour over the packed table (one word per pixel): eight columns at a time through
+// the group kernel, the scalar kernel (on unpacked pairs) for groups with a block outside the
+// picture and for the last columns. Even widths over sources that the group kernels serve.
+void NearestPackedRows(const Planes& d, const Planes& s, const std::uint32_t* table, std::uint32_t width,
+                       std::size_t rowPairs) {
+  const __m128i luma = remap420::OffsetMultiplier(s.stride);
+  const __m128i chroma = remap420::OffsetMultiplier(s.blocks);
+  for (std::size_t r = 0; r < rowPairs; ++r) {
+    const RowPair o = GetRowPair(d, d.stride, r);
+    const std::uint32_t* top = table + 2 * r * static_cast<std::size_t>(width);
+    const std::uint32_t* bottom = top + width;
+    // The block at columns k, k + 1 through the scalar kernel.
+    const auto block = [&](std::uint32_t k) {
+      std::uint32_t t[4], b[4];
+      remap420::UnpackNearestPair(top + k, t);
+      remap420::UnpackNearestPair(bottom + k, b);
+      remap420::NearestBlock<false>(d, s, o, t, b, width, k);
+    };
+    std::uint32_t c = 0;
+    for (; c + 8 <= width; c += 8) {
+      if (!remap420::NearestPackedGroup(s, o, top + c, bottom + c, c, luma, chroma)) {
+        for (std::uint32_t k = c; k < c + 8; k += 2) block(k);
       }
     }
-  }
-  for (; c < w.width; c += 2) {
-    Block<false>(w.d, w.s, o, top + 2 * static_cast<std::size_t>(c), bottom + 2 * static_cast<std::size_t>(c),
-                 w.width, c);
-  }
-}
-
-// Even widths over sources that the group kernels serve: eight columns at a time (nearest
-// neighbour; the bilinear path walks its own group table).
-template <class T>
-void GroupRows(const Walk<T>& w) {
-  const __m128i luma = remap420::OffsetMultiplier(w.s.stride);
-  const __m128i chroma = remap420::OffsetMultiplier(w.s.blocks);
-  for (std::size_t r = 0; r < w.rowPairs; ++r) {
-    const RowPair o = GetRowPair(w.d, w.lumaPitch, r);
-    GroupRow<8>(w, o, r, [&](const T* t, const T* b, std::uint32_t c) {
-      return Group(w.s, o, t, b, c, luma, chroma);
-    });
+    for (; c < width; c += 2) block(c);
   }
 }
 
@@ -152,10 +139,10 @@ bool NeedsCheckedBlocks(const Image& dst, const Image& src) {
   return (dst.GetWidth() & 1u) != 0 || !SourceChromaFits(s, src.GetWidth(), src.GetHeight());
 }
 
-// Walks the row pairs of a destination through the merged table, with the group kernels where
-// they serve and the scalar kernels elsewhere.
+// Walks the row pairs of a destination through an unpacked merged table block by block (the
+// frames that the group kernels do not serve).
 template <class T>
-void RemapRowPairs(const Image& dst, const Image& src, const T* table, std::size_t lumaPitch, bool groups) {
+void RemapRowPairs(const Image& dst, const Image& src, const T* table, std::size_t lumaPitch) {
   Walk<T> w;
   w.d = remap420::GetPlanes(dst.GetImage(), dst.GetStride(), dst.GetHeight());
   w.s = remap420::GetPlanes(src.GetImage(), src.GetStride(), src.GetHeight());
@@ -165,10 +152,6 @@ void RemapRowPairs(const Image& dst, const Image& src, const T* table, std::size
   w.rowPairs = dst.GetHeight() / 2;
   if (NeedsCheckedBlocks(dst, src)) {
     ScalarRows<true>(w);
-  } else if (!groups || !GroupKernelsFit(src)) {
-    ScalarRows<false>(w);
-  } else if constexpr (std::is_same<T, std::uint32_t>::value) {
-    GroupRows(w);
   } else {
     ScalarRows<false>(w);
   }
@@ -199,6 +182,9 @@ void BilinearGroupRowsSse2(const GroupWalk& w) {
     for (std::size_t g = 0; g < w.groups; ++g) {
       const float* group = w.Group(r, g);
       const std::uint32_t c = static_cast<std::uint32_t>(g * Map::s_uBilinearGroupColumns);
+      if (g + kPrefetchGroups < w.groups) {
+        PrefetchGroupSource(w, w.Group(r, g + kPrefetchGroups));
+      }
       if (!BilinearGroup16(w.s, o, group, c, luma, chroma)) {
         BilinearGroupByBlocks(w, o, group, c);
       }
@@ -250,7 +236,11 @@ bool ImagePlanar420::IsKernelSetSupported(KernelSet set) {
 
 bool ImagePlanar420::NnInterpolation(const Image& src, const Map& mapX, const Map& mapY) {
   const ImagePlanar420& source = dynamic_cast<const ImagePlanar420&>(src);
-  const std::uint32_t* table = mapX.GetMergedBuffer<std::uint32_t>(mapY, source.m_width, source.m_height);
+  // Frames that the group kernels serve take the packed table (half the bytes to read per
+  // frame), every other frame the unpacked one (both kept in the x map's integer merge slot).
+  const bool packed = mapX.GetCols() == m_width && !NeedsCheckedBlocks(*this, source) && GroupKernelsFit(source);
+  const std::uint32_t* table = packed ? mapX.GetNearestPackedBuffer(mapY, source.m_width, source.m_height)
+                                      : mapX.GetMergedBuffer<std::uint32_t>(mapY, source.m_width, source.m_height);
   if (m_height < 2) {
     return true;
   }
@@ -259,8 +249,15 @@ bool ImagePlanar420::NnInterpolation(const Image& src, const Map& mapX, const Ma
   if (!table || mapX.GetRows() != m_height || mapX.GetCols() != m_width || !Usable(*this) || !Usable(source)) {
     return true;
   }
+  if (packed) {
+    // Destination luma rows at the stride.
+    NearestPackedRows(remap420::GetPlanes(m_image, m_stride, m_height),
+                      remap420::GetPlanes(source.m_image, source.m_stride, source.m_height), table, m_width,
+                      m_height / 2);
+    return true;
+  }
   // Destination luma rows at the stride.
-  RemapRowPairs(*this, source, table, m_stride, true);
+  RemapRowPairs(*this, source, table, m_stride);
   return true;
 }
 
@@ -279,7 +276,7 @@ bool ImagePlanar420::LinearInterpolation(const Image& src, const Map& mapX, cons
   }
   if (!groups) {
     // Destination luma rows at a pitch of the width.
-    RemapRowPairs(*this, source, table, m_width, false);
+    RemapRowPairs(*this, source, table, m_width);
     return true;
   }
   remap420::GroupWalk w;

@@ -311,7 +311,10 @@ bool Map::IsPairCompatible(const Map& mapY) const {
 }
 
 const std::int32_t* Map::Merge(int, const Map& mapY, unsigned int width, unsigned int height) const {
-  if (m_iMergerdData) {
+  // A cached table is returned as it is, whatever it was built from, except the packed nearest
+  // table: it holds one word per pixel, half of what a caller of this merge reads, so it is
+  // replaced rather than handed out as pairs.
+  if (m_iMergerdData && m_eIntMergedKind != MERGED_NEAREST_PACKED) {
     return m_iMergerdData;
   }
   const std::size_t pixels = GetMergedPixelCount();
@@ -396,6 +399,29 @@ const float* Map::GetMergedBuffer<float>(const Map& mapY, unsigned int width, un
   return table;
 }
 
+// Pixels i and i + 1 truncated toward zero as (x0, y0, x1, y1), or s_uNearestOutside in all four
+// when either lies outside width x height (unsigned comparisons, so negatives fail).
+void Map::NearestPair(const Map& mapY, const FloatPairTables& direct, std::size_t i, unsigned int width,
+                      unsigned int height, std::uint32_t* pair) const {
+  std::uint32_t x0, x1, y0, y1;
+  if (i + 2 <= direct.count) {
+    x0 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.x[i]));
+    x1 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.x[i + 1]));
+    y0 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.y[i]));
+    y1 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.y[i + 1]));
+  } else {
+    x0 = static_cast<std::uint32_t>(TruncateToInt(ElementAsDouble(i)));
+    x1 = static_cast<std::uint32_t>(TruncateToInt(ElementAsDouble(i + 1)));
+    y0 = static_cast<std::uint32_t>(TruncateToInt(mapY.ElementAsDouble(i)));
+    y1 = static_cast<std::uint32_t>(TruncateToInt(mapY.ElementAsDouble(i + 1)));
+  }
+  const bool inside = x0 < width && x1 < width && y0 < height && y1 < height;
+  pair[0] = inside ? x0 : s_uNearestOutside;
+  pair[1] = inside ? y0 : s_uNearestOutside;
+  pair[2] = inside ? x1 : s_uNearestOutside;
+  pair[3] = inside ? y1 : s_uNearestOutside;
+}
+
 template <>
 const std::uint32_t* Map::GetMergedBuffer<std::uint32_t>(const Map& mapY, unsigned int width,
                                                          unsigned int height) const {
@@ -411,36 +437,38 @@ const std::uint32_t* Map::GetMergedBuffer<std::uint32_t>(const Map& mapY, unsign
   const std::size_t pixels = GetMergedPixelCount();
   std::uint32_t* table = Allocate<std::uint32_t>(2 * pixels, m_pobIMerged);
   const FloatPairTables direct = GetFloatPair(mapY);
-  std::size_t i = 0;
-  for (; i + 2 <= direct.count; i += 2) {
-    const std::uint32_t x0 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.x[i]));
-    const std::uint32_t x1 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.x[i + 1]));
-    const std::uint32_t y0 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.y[i]));
-    const std::uint32_t y1 = static_cast<std::uint32_t>(TruncateFloatToInt(direct.y[i + 1]));
-    std::uint32_t* pair = table + 2 * i;
-    const bool inside = x0 < width && x1 < width && y0 < height && y1 < height;
-    pair[0] = inside ? x0 : s_uNearestOutside;
-    pair[1] = inside ? y0 : s_uNearestOutside;
-    pair[2] = inside ? x1 : s_uNearestOutside;
-    pair[3] = inside ? y1 : s_uNearestOutside;
-  }
-  for (; i < pixels; i += 2) {
-    const std::uint32_t x0 = static_cast<std::uint32_t>(TruncateToInt(ElementAsDouble(i)));
-    const std::uint32_t x1 = static_cast<std::uint32_t>(TruncateToInt(ElementAsDouble(i + 1)));
-    const std::uint32_t y0 = static_cast<std::uint32_t>(TruncateToInt(mapY.ElementAsDouble(i)));
-    const std::uint32_t y1 = static_cast<std::uint32_t>(TruncateToInt(mapY.ElementAsDouble(i + 1)));
-    std::uint32_t* pair = table + 2 * i;
-    if (x0 < width && x1 < width && y0 < height && y1 < height) {
-      pair[0] = x0;
-      pair[1] = y0;
-      pair[2] = x1;
-      pair[3] = y1;
-    } else {
-      pair[0] = pair[1] = pair[2] = pair[3] = s_uNearestOutside;
-    }
+  for (std::size_t i = 0; i < pixels; i += 2) {
+    NearestPair(mapY, direct, i, width, height, table + 2 * i);
   }
   m_iMergerdData = reinterpret_cast<std::int32_t*>(table);
   m_eIntMergedKind = MERGED_NEAREST;
+  m_uIntMergedWidth = width;
+  m_uIntMergedHeight = height;
+  return table;
+}
+
+const std::uint32_t* Map::GetNearestPackedBuffer(const Map& mapY, unsigned int width, unsigned int height) const {
+  if (!IsPairCompatible(mapY) || width > s_uNearestPackedLimit || height > s_uNearestPackedLimit) {
+    return nullptr;
+  }
+  if (m_iMergerdData && m_eIntMergedKind == MERGED_NEAREST_PACKED && m_uIntMergedWidth == width &&
+      m_uIntMergedHeight == height) {
+    return reinterpret_cast<const std::uint32_t*>(m_iMergerdData);
+  }
+  const std::size_t pixels = GetMergedPixelCount();
+  std::uint32_t* table = Allocate<std::uint32_t>(pixels, m_pobIMerged);
+  const FloatPairTables direct = GetFloatPair(mapY);
+  for (std::size_t i = 0; i < pixels; i += 2) {
+    std::uint32_t pair[4];
+    NearestPair(mapY, direct, i, width, height, pair);
+    // Positions inside the source are below 32768 each way, so a packed position is never the
+    // marker word.
+    const bool inside = pair[0] != s_uNearestOutside;
+    table[i] = inside ? pair[0] | (pair[1] << 16) : s_uNearestOutside;
+    table[i + 1] = inside ? pair[2] | (pair[3] << 16) : s_uNearestOutside;
+  }
+  m_iMergerdData = reinterpret_cast<std::int32_t*>(table);
+  m_eIntMergedKind = MERGED_NEAREST_PACKED;
   m_uIntMergedWidth = width;
   m_uIntMergedHeight = height;
   return table;

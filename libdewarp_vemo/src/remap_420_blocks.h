@@ -211,14 +211,13 @@ inline void BilinearBlock(const Planes& d, const Planes& s, const RowPair& o, co
 // ---------------------------------------------------------------------------------------------
 // SSE2 kernels, four blocks (eight columns) of a row pair at once.
 //
-// The nearest-neighbour kernel reads the interleaved table, the bilinear one the group table of
-// Map::GetBilinearGroupBuffer. They need an even destination width (so that every merged pair
+// The nearest-neighbour kernel reads the packed table of Map::GetNearestPackedBuffer, the bilinear
+// one the group table of Map::GetBilinearGroupBuffer. They need an even destination width (so that every merged pair
 // lies in one row and is valid or outside as a whole), a source whose chroma samples all lie
 // inside the frame, and a source stride and height below 32768: positions are packed as two
 // 16-bit halves (x low, y high) and turned into plane offsets x + y * pitch with one
-// multiply-add of 16-bit lanes. A group with a
-// block outside the picture is left to the scalar kernel (the functions return false and write
-// nothing).
+// multiply-add of 16-bit lanes. A group with a block outside the picture is left to the scalar
+// kernel (the functions return false and write nothing).
 
 // Multiplier of the multiply-add: 1 for the low half (x), the pitch for the high half (y).
 inline __m128i OffsetMultiplier(std::size_t pitch) {
@@ -250,46 +249,45 @@ inline void StoreBytes8(std::uint8_t* out, __m128i low, __m128i high) {
   _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(words, words));
 }
 
-// Even lanes (0, 2) of a and b as (a0, a2, b0, b2), odd lanes as (a1, a3, b1, b3).
+// Even lanes (0, 2) of a and b as (a0, a2, b0, b2).
 inline __m128i EvenLanes(__m128i a, __m128i b) {
   return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), _MM_SHUFFLE(2, 0, 2, 0)));
 }
-inline __m128i OddLanes(__m128i a, __m128i b) {
-  return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), _MM_SHUFFLE(3, 1, 3, 1)));
-}
 
-// Nearest neighbour, columns c .. c + 7 of a row pair (t, b as for the scalar kernel).
-inline bool NearestGroup(const Planes& s, const RowPair& o, const std::uint32_t* t, const std::uint32_t* b,
-                         std::uint32_t c, __m128i lumaMultiplier, __m128i chromaMultiplier) {
-  const __m128i* pt = reinterpret_cast<const __m128i*>(t);
-  const __m128i* pb = reinterpret_cast<const __m128i*>(b);
-  const __m128i t0 = _mm_loadu_si128(pt), t1 = _mm_loadu_si128(pt + 1);
-  const __m128i t2 = _mm_loadu_si128(pt + 2), t3 = _mm_loadu_si128(pt + 3);
-  const __m128i b0 = _mm_loadu_si128(pb), b1 = _mm_loadu_si128(pb + 1);
-  const __m128i b2 = _mm_loadu_si128(pb + 2), b3 = _mm_loadu_si128(pb + 3);
-  const __m128i tx03 = EvenLanes(t0, t1), ty03 = OddLanes(t0, t1);
-  const __m128i tx47 = EvenLanes(t2, t3), ty47 = OddLanes(t2, t3);
-  const __m128i bx03 = EvenLanes(b0, b1), by03 = OddLanes(b0, b1);
-  const __m128i bx47 = EvenLanes(b2, b3), by47 = OddLanes(b2, b3);
-  // Pairs are inside or outside as a whole: a block is inside when its top pair's x and its
-  // bottom pair's y are not the marker.
+// Nearest neighbour over the packed table (Map::GetNearestPackedBuffer), columns c .. c + 7 of a
+// row pair: t and b point at the words of pixels (c, 2r) and (c, 2r + 1). A packed word is
+// already the (x, y) pair of 16-bit halves that the offset multiply-add takes.
+inline bool NearestPackedGroup(const Planes& s, const RowPair& o, const std::uint32_t* t, const std::uint32_t* b,
+                               std::uint32_t c, __m128i lumaMultiplier, __m128i chromaMultiplier) {
+  const __m128i t0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(t));
+  const __m128i t1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(t + 4));
+  const __m128i b0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b));
+  const __m128i b1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + 4));
   const __m128i out = _mm_set1_epi32(-1);
-  const __m128i bad = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi32(tx03, out), _mm_cmpeq_epi32(tx47, out)),
-                                   _mm_or_si128(_mm_cmpeq_epi32(by03, out), _mm_cmpeq_epi32(by47, out)));
+  const __m128i bad = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi32(t0, out), _mm_cmpeq_epi32(t1, out)),
+                                   _mm_or_si128(_mm_cmpeq_epi32(b0, out), _mm_cmpeq_epi32(b1, out)));
   if (_mm_movemask_epi8(bad) != 0) {
     return false;
   }
-  StoreBytes8(o.y0 + c, GatherBytes(s.y, PlaneOffsets(tx03, ty03, lumaMultiplier)),
-              GatherBytes(s.y, PlaneOffsets(tx47, ty47, lumaMultiplier)));
-  StoreBytes8(o.y1 + c, GatherBytes(s.y, PlaneOffsets(bx03, by03, lumaMultiplier)),
-              GatherBytes(s.y, PlaneOffsets(bx47, by47, lumaMultiplier)));
-  // Chroma from the top-left pixel of each block: (y / 2) * blocks + x / 2.
-  const __m128i cx = _mm_srli_epi32(EvenLanes(tx03, tx47), 1);
-  const __m128i cy = _mm_srli_epi32(EvenLanes(ty03, ty47), 1);
-  const __m128i chroma = PlaneOffsets(cx, cy, chromaMultiplier);
+  StoreBytes8(o.y0 + c, GatherBytes(s.y, _mm_madd_epi16(t0, lumaMultiplier)),
+              GatherBytes(s.y, _mm_madd_epi16(t1, lumaMultiplier)));
+  StoreBytes8(o.y1 + c, GatherBytes(s.y, _mm_madd_epi16(b0, lumaMultiplier)),
+              GatherBytes(s.y, _mm_madd_epi16(b1, lumaMultiplier)));
+  // Chroma from the top-left pixel of each block: both halves shifted down by one give
+  // (x / 2, y / 2), and the multiply-add (y / 2) * blocks + x / 2.
+  const __m128i chroma = _mm_madd_epi16(_mm_srli_epi16(EvenLanes(t0, t1), 1), chromaMultiplier);
   StoreBytes4(o.u + c / 2, GatherBytes(s.u, chroma));
   StoreBytes4(o.v + c / 2, GatherBytes(s.v, chroma));
   return true;
+}
+
+// A packed pair of pixels (two words) as the scalar kernel's (x0, y0, x1, y1).
+inline void UnpackNearestPair(const std::uint32_t* packed, std::uint32_t* pair) {
+  const std::uint32_t kOut = Map::s_uNearestOutside;
+  for (int k = 0; k < 2; ++k) {
+    pair[2 * k] = packed[k] == kOut ? kOut : (packed[k] & 0xFFFFu);
+    pair[2 * k + 1] = packed[k] == kOut ? kOut : (packed[k] >> 16);
+  }
 }
 
 // Bilinear lanes of four pixels: integer position, the four weights and the luma blend.

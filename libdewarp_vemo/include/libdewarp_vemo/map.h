@@ -82,7 +82,9 @@ public:
   // Integer merge for nearest-neighbour remapping (called on the x map with the y map and the
   // source size; the int argument only selects the variant). Interleaved (x, y) pairs, two
   // pixels at a time, truncated toward zero; a pair with one pixel outside the source is
-  // marked s_nIntegerOutside in all four values. Cached: a second call returns the first table.
+  // marked s_nIntegerOutside in all four values. Cached: a second call returns the first table
+  // (as it does any other table of pairs or wider found in the integer merge slot; only a packed
+  // nearest table there is replaced).
   const std::int32_t* Merge(int, const Map& mapY, unsigned int width, unsigned int height) const;
   // Float merge for bilinear remapping: interleaved (x, y) pairs; a pair is kept only if both
   // pixels have 0 <= x < width - 1 and 0 <= y < height - 1, otherwise all four values are
@@ -94,6 +96,16 @@ public:
   // pixels are inside the source, otherwise s_uNearestOutside in all four values). Cached for
   // this source size. Null when the two maps differ in type, rows or columns.
   template <class T> const T* GetMergedBuffer(const Map& mapY, unsigned int width, unsigned int height) const;
+
+  // The nearest-neighbour table packed for the block loops of the 4:2:0 remap: one word per
+  // pixel, x in the low and y in the high 16 bits, with the same positions and markers as
+  // GetMergedBuffer<unsigned int> (a pair with a pixel outside the source holds
+  // s_uNearestOutside in both words). Only for sources of at most s_uNearestPackedLimit pixels
+  // each way (null otherwise, and when the two maps differ in type, rows or columns). Kept in
+  // the integer merge slot and cached for this source size like the unpacked table (the two
+  // replace each other there).
+  static const unsigned int s_uNearestPackedLimit = 32767;
+  const std::uint32_t* GetNearestPackedBuffer(const Map& mapY, unsigned int width, unsigned int height) const;
 
   // The bilinear table laid out for the block loops of the 4:2:0 remap, for maps of an even
   // number of columns (null otherwise, and when the two maps differ in type, rows or columns).
@@ -127,6 +139,7 @@ private:
     MERGED_NONE,
     MERGED_INTEGER,
     MERGED_NEAREST,
+    MERGED_NEAREST_PACKED,
     MERGED_FIXED_POINT,
     MERGED_BILINEAR,
     MERGED_BILINEAR_GROUPS
@@ -143,6 +156,8 @@ private:
     std::size_t count;
   };
   FloatPairTables GetFloatPair(const Map& mapY) const;
+  void NearestPair(const Map& mapY, const FloatPairTables& direct, std::size_t i, unsigned int width,
+                   unsigned int height, std::uint32_t* pair) const;
   void ReleaseAll();
   // Element `index` of the table of the map's type, or NaN past the allocated elements.
   double ElementAsDouble(std::size_t index) const;

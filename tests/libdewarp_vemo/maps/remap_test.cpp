@@ -358,6 +358,57 @@ TEST(RemapTest, NearestTableMarksBothPixelsOfABadPairWithAllOnes) {
   EXPECT_EQ(nullptr, fresh.GetMergedBuffer<float>(other, 9, 2));
 }
 
+TEST(RemapTest, PackedNearestTableHoldsXLowAndYHighAndTheMarkerForBadPairs) {
+  const float xs[6] = {1.9f, 300.0f, 3.0f, 9.0f, 32766.5f, 0.0f};
+  const float ys[6] = {0.0f, 2.5f, 0.0f, -1.0f, 7.0f, 32766.0f};
+  Map mx(Map::FLOAT, 6, 1), my(Map::FLOAT, 6, 1);
+  for (int i = 0; i < 6; ++i) {
+    mx.GetTypePtr<float>()[i] = xs[i];
+    my.GetTypePtr<float>()[i] = ys[i];
+  }
+  const std::uint32_t* table = mx.GetNearestPackedBuffer(my, 32767, 32767);
+  ASSERT_NE(nullptr, table);
+  // (1, 0) and (300, 2); a pair with y = -1 is outside; (32766, 7) and (0, 32766).
+  const std::uint32_t expected[6] = {1u, 300u | (2u << 16), 0xFFFFFFFFu, 0xFFFFFFFFu, 32766u | (7u << 16),
+                                     32766u << 16};
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_EQ(expected[i], table[i]) << i;
+  }
+  // Cached for this source size; another size rebuilds it (x = 300 is now outside).
+  EXPECT_EQ(table, mx.GetNearestPackedBuffer(my, 32767, 32767));
+  const std::uint32_t* narrow = mx.GetNearestPackedBuffer(my, 100, 32767);
+  ASSERT_NE(nullptr, narrow);
+  EXPECT_EQ(0xFFFFFFFFu, narrow[0]);
+  EXPECT_EQ(0xFFFFFFFFu, narrow[1]);
+  // Sources of 32768 pixels or more either way have no packed table; the unpacked one serves.
+  EXPECT_EQ(nullptr, mx.GetNearestPackedBuffer(my, 32768, 2));
+  EXPECT_EQ(nullptr, mx.GetNearestPackedBuffer(my, 2, 32768));
+  Map other(Map::FLOAT, 2, 2);
+  EXPECT_EQ(nullptr, mx.GetNearestPackedBuffer(other, 100, 100));
+}
+
+TEST(RemapTest, IntegerMergeAfterANearestRemapGivesPairsNotThePackedTable) {
+  // A nearest remap of an even-width frame keeps the packed table (one word per pixel) in the
+  // integer merge slot; the integer merge reads pairs, two words per pixel, so it must not be
+  // handed the packed table.
+  Frame src(16, 4, 16);
+  FillPattern(src);
+  Frame dst(2, 2, 2);
+  ImageMap map = Uniform(2, 2, 3.0f, 1.0f);
+  map.Remap(src.image, dst.image, NEAREST_NEIGHBOUR_INTERPOLATION);
+  const std::int32_t* packed = map.GetMapX().GetMergedTypePtr<std::int32_t>();
+  ASSERT_NE(nullptr, packed);
+  EXPECT_EQ(static_cast<std::int32_t>(3u | (1u << 16)), packed[0]);
+  const std::int32_t* merged = map.GetMapX().Merge(0, map.GetMapY(), 16, 4);
+  ASSERT_NE(nullptr, merged);
+  for (int i = 0; i < 8; i += 2) {
+    EXPECT_EQ(3, merged[i]) << i;
+    EXPECT_EQ(1, merged[i + 1]) << i;
+  }
+  // That table is now cached as the merge describes.
+  EXPECT_EQ(merged, map.GetMapX().Merge(0, map.GetMapY(), 16, 4));
+}
+
 TEST(RemapTest, CoefficientTableHoldsTheProductsOfThe32ndWeights) {
   EXPECT_TRUE(Remap::s_bilinearCoefficientInit);
   EXPECT_EQ(15u, Remap::s_coeffBits);
