@@ -35,7 +35,8 @@ enum CellFill : unsigned char { FILL_BLEND, FILL_BLEND_KEEP_MIDDLE, FILL_NO_SOUR
 // Bilinear fill of one cell of nWidth x nHeight steps (corners included), row by row: the
 // values of the row's two ends are interpolated between the corners above and below, the
 // pixels between them along the row. The ends are stored as computed and the corners exactly,
-// so that two cells that share an edge store the same values on it.
+// so that two cells that share an edge store the same values on it (and a cell of 1 x 1 steps,
+// whose corners may lack a source, stores its corners unchanged).
 void FillCell(float* pfX, float* pfY, int nStride, int nWidth, int nHeight, const Vector2d& obTopLeft,
                           const Vector2d& obTopRight, const Vector2d& obBottomLeft, const Vector2d& obBottomRight) {
   const float fStepPerColumn = nWidth > 0 ? 1.0f / static_cast<float>(nWidth) : 1.0f;
@@ -51,7 +52,9 @@ void FillCell(float* pfX, float* pfY, int nStride, int nWidth, int nHeight, cons
     const float fStepY = fRightY - fLeftY;
     float* const pfRowX = pfX + j * nStride;
     float* const pfRowY = pfY + j * nStride;
-    for (int k = 0; k < nWidth; ++k) {
+    pfRowX[0] = fLeftX;
+    pfRowY[0] = fLeftY;
+    for (int k = 1; k < nWidth; ++k) {
       const float fX = static_cast<float>(k) * fStepPerColumn;
       pfRowX[k] = fLeftX + fStepX * fX;
       pfRowY[k] = fLeftY + fStepY * fX;
@@ -70,7 +73,8 @@ void FillCell(float* pfX, float* pfY, int nStride, int nWidth, int nHeight, cons
 // A cell that can be neither blended nor left empty is halved at its middle row and column
 // (each at least 2 steps long), down to cells of 2 x 2 steps, which are evaluated pixel by
 // pixel; so a cell crossed by the edge of the picture costs a few dozen functor calls rather
-// than one per pixel. Without a check (an infinite threshold) a cell with a corner lacking a
+// than one per pixel; a strip one step across with a source at some corners only is judged edge
+// by edge (see SplitStrip). Without a check (an infinite threshold) a cell with a corner lacking a
 // source is evaluated pixel by pixel at once, as the plain grid scheme does.
 // The fills are applied in the order no source, blend, evaluation, so that on the edges that
 // neighbouring cells share the more exact value wins. The cells of the lattice itself are
@@ -191,6 +195,10 @@ private:
       m_aobEvaluate.push_back(obCell);
       return FILL_REFINED;
     }
+    if (nValid != 0 && nValid != 4 && (nWidth == 1 || nHeight == 1)) {
+      SplitStrip(obCell, nWidth == 1);
+      return FILL_REFINED;
+    }
     const int nMidColumn = obCell.nLeft + nWidth / 2;
     const int nMidRow = obCell.nTop + nHeight / 2;
     bool bMiddleKnown = false;
@@ -220,6 +228,21 @@ private:
     return FILL_REFINED;
   }
 
+  // A strip one step across with a source at some corners only, such as the strip between the
+  // outermost pixels of a picture (without a source) and their neighbours (with one): it has no
+  // pixels but those of its two long edges, so each edge is queued as a cell of its own (zero
+  // steps across) and judged on its own ends and middle, rather than the strip being halved down
+  // to cells whose every pixel is evaluated.
+  void SplitStrip(const LatticeCell& obCell, bool bColumns) {
+    if (bColumns) {
+      m_aobPending.push_back(LatticeCell{obCell.nLeft, obCell.nLeft, obCell.nTop, obCell.nBottom});
+      m_aobPending.push_back(LatticeCell{obCell.nRight, obCell.nRight, obCell.nTop, obCell.nBottom});
+    } else {
+      m_aobPending.push_back(LatticeCell{obCell.nLeft, obCell.nRight, obCell.nTop, obCell.nTop});
+      m_aobPending.push_back(LatticeCell{obCell.nLeft, obCell.nRight, obCell.nBottom, obCell.nBottom});
+    }
+  }
+
   // Halves the cell at its middle column (if it is at least 2 steps wide) and middle row (if at
   // least 2 steps high), evaluates the new lattice points and queues the parts.
   void Split(const LatticeCell& obCell, int nMidColumn, int nMidRow, bool bMiddleKnown) {
@@ -238,7 +261,9 @@ private:
       for (int a = 0; a < nColumns; ++a) {
         const bool bCorner = (a == 0 || a == nColumns - 1) && (b == 0 || b == nRows - 1);
         const bool bMiddle = bMiddleKnown && anColumns[a] == nMidColumn && anRows[b] == nMidRow;
-        if (!bCorner && !bMiddle) {
+        // A cell zero steps across (an edge of a strip) has its two columns or rows on one line.
+        const bool bRepeat = (a > 0 && anColumns[a] == anColumns[a - 1]) || (b > 0 && anRows[b] == anRows[b - 1]);
+        if (!bCorner && !bMiddle && !bRepeat) {
           Evaluate(anColumns[a], anRows[b]);
         }
       }

@@ -34,7 +34,21 @@ namespace {
 const int kPaneSpacing = 16;
 const float kPaneThreshold = 0.125f;
 
-std::vector<int> PaneLines(int nCount) { return MapBuilder::LatticeLines(nCount, kPaneSpacing); }
+// Every 16th pixel and the last, and one pixel inside the first and the last line: the outermost
+// pixels of a pane often have no source (they fall on the border of the base map) while their
+// neighbours have one. The extra lines confine that border to strips one pixel wide, which the
+// lattice judges line by line, instead of refining every cell along the pane's edge down to
+// single pixels.
+std::vector<int> PaneLines(int nCount) {
+  std::vector<int> anLines = MapBuilder::LatticeLines(nCount, kPaneSpacing);
+  if (anLines.size() >= 2 && anLines[1] > 2) {
+    anLines.insert(anLines.begin() + 1, 1);
+  }
+  if (anLines.size() >= 2 && anLines[anLines.size() - 2] < nCount - 3) {
+    anLines.insert(anLines.end() - 1, nCount - 2);
+  }
+  return anLines;
+}
 
 }  // namespace
 
