@@ -1,5 +1,7 @@
 #include <libdewarp_vemo/combined_map_builder.h>
 
+#include <emmintrin.h>
+
 #include <cerrno>
 #include <memory>
 #include <new>
@@ -87,6 +89,17 @@ ImageMap* MapRows::NewCombinedMap(const Vector2d& obOutputResolution, const Vect
 
 namespace {
 
+// The second map of a composition as its rows read it: the tables with their stored extent, and
+// the size of the intermediate image, which bounds the positions.
+struct SecondMap {
+  const float* pfX;
+  const float* pfY;
+  int nWidth;
+  int nHeight;
+  float fWidth;
+  float fHeight;
+};
+
 // The two neighbouring whole coordinates of v, floor and ceiling, when both lie in [0, limit):
 // the four corners of the bilinear lookup are then inside the second map. The floor of a
 // non-negative value below 2^31 is its truncation, so no rounding call is needed; NaN fails the
@@ -100,36 +113,188 @@ inline bool Span(float v, float fLimit, int& nLow, int& nHigh) {
   return static_cast<float>(nHigh) < fLimit;
 }
 
+// One element of a composed row: the second map sampled bilinearly at (fX, fY), or no source.
+inline void ComposeElement(float fX, float fY, const SecondMap& obSecond, float fNoSource, float& fResultX,
+                           float& fResultY) {
+  int nLeft, nRight, nTop, nBottom;
+  // The intermediate size is the second map's size, so the corners index its tables.
+  if (!Span(fX, obSecond.fWidth, nLeft, nRight) || !Span(fY, obSecond.fHeight, nTop, nBottom) ||
+      nRight >= obSecond.nWidth || nBottom >= obSecond.nHeight) {
+    fResultX = fNoSource;
+    fResultY = fNoSource;
+    return;
+  }
+  // Bilinear blend of the four corners, weights and sums in the order of MapBuilder::Bilinear.
+  const float fFractionX = fX - static_cast<float>(nLeft);
+  const float fFractionY = fY - static_cast<float>(nTop);
+  const float fTopLeft = (1.0f - fFractionX) * (1.0f - fFractionY);
+  const float fTopRight = fFractionX * (1.0f - fFractionY);
+  const float fBottomLeft = (1.0f - fFractionX) * fFractionY;
+  const float fBottomRight = fFractionX * fFractionY;
+  const int nTopRow = nTop * obSecond.nWidth, nBottomRow = nBottom * obSecond.nWidth;
+  fResultX = fTopLeft * obSecond.pfX[nTopRow + nLeft] + fTopRight * obSecond.pfX[nTopRow + nRight] +
+             fBottomLeft * obSecond.pfX[nBottomRow + nLeft] + fBottomRight * obSecond.pfX[nBottomRow + nRight];
+  fResultY = fTopLeft * obSecond.pfY[nTopRow + nLeft] + fTopRight * obSecond.pfY[nTopRow + nRight] +
+             fBottomLeft * obSecond.pfY[nBottomRow + nLeft] + fBottomRight * obSecond.pfY[nBottomRow + nRight];
+}
+
+// Span for four values at once: all ones in the lanes where Span holds and the ceiling is also
+// below nStored (the stored extent of the tables), with the floor (as int and as float) and the
+// ceiling of every lane. The conversions are Span's own as long as the values below fLimit fit
+// an int, that is for a limit of at most 2^31; lanes outside [0, limit) convert to garbage and
+// fail the test.
+inline __m128 SpanQuad(__m128 v, __m128 vLimit, __m128i viStored, __m128i& viLow, __m128& vLow, __m128i& viHigh) {
+  viLow = _mm_cvttps_epi32(v);
+  vLow = _mm_cvtepi32_ps(viLow);
+  // The comparison gives -1 where v lies above its floor, and subtracting it adds one.
+  viHigh = _mm_sub_epi32(viLow, _mm_castps_si128(_mm_cmpgt_ps(v, vLow)));
+  __m128 vInside = _mm_and_ps(_mm_cmpge_ps(v, _mm_setzero_ps()), _mm_cmplt_ps(v, vLimit));
+  vInside = _mm_and_ps(vInside, _mm_cmplt_ps(_mm_cvtepi32_ps(viHigh), vLimit));
+  return _mm_and_ps(vInside, _mm_castsi128_ps(_mm_cmplt_epi32(viHigh, viStored)));
+}
+
+// viRow * viWidth per lane, for non-negative factors whose product fits an int (SSE2 multiplies
+// 32-bit lanes only into 64-bit products, of lanes 0 and 2).
+inline __m128i RowStarts(__m128i viRow, __m128i viWidth) {
+  const __m128i viEven = _mm_mul_epu32(viRow, viWidth);
+  const __m128i viOdd = _mm_mul_epu32(_mm_srli_epi64(viRow, 32), viWidth);
+  return _mm_unpacklo_epi32(_mm_shuffle_epi32(viEven, _MM_SHUFFLE(0, 0, 2, 0)),
+                            _mm_shuffle_epi32(viOdd, _MM_SHUFFLE(0, 0, 2, 0)));
+}
+
+// The four corners of four lanes in one table, and their bilinear weights.
+struct Quad {
+  __m128 vTopLeft, vTopRight, vBottomLeft, vBottomRight;
+};
+
+// The elements anIndex[0..3] of a table as one vector.
+inline __m128 Gather(const float* pfTable, const int* anIndex) {
+  return _mm_setr_ps(pfTable[anIndex[0]], pfTable[anIndex[1]], pfTable[anIndex[2]], pfTable[anIndex[3]]);
+}
+
+// The elements anIndex[0..3] of a table and the ones just after them, two at a time.
+inline void GatherPairs(const float* pfTable, const int* anIndex, __m128& vFirst, __m128& vNext) {
+  const __m128 v01 = _mm_castsi128_ps(
+      _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(pfTable + anIndex[0])),
+                         _mm_loadl_epi64(reinterpret_cast<const __m128i*>(pfTable + anIndex[1]))));
+  const __m128 v23 = _mm_castsi128_ps(
+      _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(pfTable + anIndex[2])),
+                         _mm_loadl_epi64(reinterpret_cast<const __m128i*>(pfTable + anIndex[3]))));
+  vFirst = _mm_shuffle_ps(v01, v23, _MM_SHUFFLE(2, 0, 2, 0));
+  vNext = _mm_shuffle_ps(v01, v23, _MM_SHUFFLE(3, 1, 3, 1));
+}
+
+// The corners of four lanes in a table, at the indices in anCorners (top left, top right, bottom
+// left, bottom right, four lanes each). bPairs: every left corner has an element after it in its
+// row, so each left corner is read together with that element, which is the right corner in the
+// lanes of vAbove (positions above their floor) and is replaced by the left corner in the others
+// (positions on a whole column, whose right corner is the left one).
+inline Quad GatherCorners(const float* pfTable, const int (&anCorners)[4][4], bool bPairs, __m128 vAbove) {
+  Quad obCorners;
+  if (bPairs) {
+    __m128 vNextTop, vNextBottom;
+    GatherPairs(pfTable, anCorners[0], obCorners.vTopLeft, vNextTop);
+    GatherPairs(pfTable, anCorners[2], obCorners.vBottomLeft, vNextBottom);
+    obCorners.vTopRight = _mm_or_ps(_mm_and_ps(vAbove, vNextTop), _mm_andnot_ps(vAbove, obCorners.vTopLeft));
+    obCorners.vBottomRight =
+        _mm_or_ps(_mm_and_ps(vAbove, vNextBottom), _mm_andnot_ps(vAbove, obCorners.vBottomLeft));
+  } else {
+    obCorners.vTopLeft = Gather(pfTable, anCorners[0]);
+    obCorners.vTopRight = Gather(pfTable, anCorners[1]);
+    obCorners.vBottomLeft = Gather(pfTable, anCorners[2]);
+    obCorners.vBottomRight = Gather(pfTable, anCorners[3]);
+  }
+  return obCorners;
+}
+
+// tl * a + tr * b + bl * c + br * d, summed from the left as ComposeElement sums.
+inline __m128 Blend(const Quad& obWeights, const Quad& obCorners) {
+  return _mm_add_ps(_mm_add_ps(_mm_add_ps(_mm_mul_ps(obWeights.vTopLeft, obCorners.vTopLeft),
+                                          _mm_mul_ps(obWeights.vTopRight, obCorners.vTopRight)),
+                               _mm_mul_ps(obWeights.vBottomLeft, obCorners.vBottomLeft)),
+                    _mm_mul_ps(obWeights.vBottomRight, obCorners.vBottomRight));
+}
+
+// Elements X to X + 3 of a composed row with SSE2: per lane the operations of ComposeElement in
+// the same order, so the same values. Writes nothing and returns false when only some of the
+// four have a source, and when a blend is NaN: which of two NaN corners a sum passes on depends
+// on the order of its operands, which the compiler chooses, so such elements are left to
+// ComposeElement.
+inline bool ComposeQuad(const float* pfFirstX, const float* pfFirstY, const SecondMap& obSecond, float fNoSource,
+                        float* pfResultX, float* pfResultY) {
+  const __m128 vX = _mm_loadu_ps(pfFirstX);
+  const __m128 vY = _mm_loadu_ps(pfFirstY);
+  __m128i viLeft, viRight, viTop, viBottom;
+  __m128 vLeft, vTop;
+  const __m128 vInside =
+      _mm_and_ps(SpanQuad(vX, _mm_set1_ps(obSecond.fWidth), _mm_set1_epi32(obSecond.nWidth), viLeft, vLeft, viRight),
+                 SpanQuad(vY, _mm_set1_ps(obSecond.fHeight), _mm_set1_epi32(obSecond.nHeight), viTop, vTop, viBottom));
+  const int nInside = _mm_movemask_ps(vInside);
+  if (nInside == 0) {
+    _mm_storeu_ps(pfResultX, _mm_set1_ps(fNoSource));
+    _mm_storeu_ps(pfResultY, _mm_set1_ps(fNoSource));
+    return true;
+  }
+  if (nInside != 0xF) {
+    return false;
+  }
+  const __m128 vOne = _mm_set1_ps(1.0f);
+  const __m128 vFractionX = _mm_sub_ps(vX, vLeft);
+  const __m128 vFractionY = _mm_sub_ps(vY, vTop);
+  Quad obWeights;
+  obWeights.vTopLeft = _mm_mul_ps(_mm_sub_ps(vOne, vFractionX), _mm_sub_ps(vOne, vFractionY));
+  obWeights.vTopRight = _mm_mul_ps(vFractionX, _mm_sub_ps(vOne, vFractionY));
+  obWeights.vBottomLeft = _mm_mul_ps(_mm_sub_ps(vOne, vFractionX), vFractionY);
+  obWeights.vBottomRight = _mm_mul_ps(vFractionX, vFractionY);
+
+  // Indices of the corners in the tables, row * stored width + column, as the scalar int
+  // arithmetic gives them.
+  const __m128i viWidth = _mm_set1_epi32(obSecond.nWidth);
+  const __m128i viTopRow = RowStarts(viTop, viWidth);
+  const __m128i viBottomRow = RowStarts(viBottom, viWidth);
+  alignas(16) int anCorners[4][4];
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[0]), _mm_add_epi32(viTopRow, viLeft));
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[1]), _mm_add_epi32(viTopRow, viRight));
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[2]), _mm_add_epi32(viBottomRow, viLeft));
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[3]), _mm_add_epi32(viBottomRow, viRight));
+  // Only a left corner in the last column has no element after it in its row.
+  const __m128i viLastColumn = _mm_set1_epi32(obSecond.nWidth - 1);
+  const bool bPairs = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(viLeft, viLastColumn))) == 0xF;
+  const __m128 vAbove = _mm_cmpgt_ps(vX, vLeft);
+  const __m128 vResultX = Blend(obWeights, GatherCorners(obSecond.pfX, anCorners, bPairs, vAbove));
+  const __m128 vResultY = Blend(obWeights, GatherCorners(obSecond.pfY, anCorners, bPairs, vAbove));
+  if (_mm_movemask_ps(_mm_cmpunord_ps(vResultX, vResultY)) != 0) {
+    return false;
+  }
+  _mm_storeu_ps(pfResultX, vResultX);
+  _mm_storeu_ps(pfResultY, vResultY);
+  return true;
+}
+
 }  // namespace
 
+// Four elements at a time with SSE2 where that gives the scalar values, otherwise (the rest of
+// the row, and the quads ComposeQuad leaves) one by one.
 void MapRows::ComposeRow(const float* pfFirstX, const float* pfFirstY, int nCols, const MapPlanes& obSecond,
                          const Vector2d& obIntermediateResolution, float* pfResultX, float* pfResultY) {
-  const float fWidth = obIntermediateResolution.X;
-  const float fHeight = obIntermediateResolution.Y;
+  const SecondMap obSampled = {obSecond.pfX, obSecond.pfY, obSecond.nWidth, obSecond.nHeight,
+                               obIntermediateResolution.X, obIntermediateResolution.Y};
   const float fNoSource = NoSource();
-  for (int X = 0; X < nCols; ++X) {
-    const float fX = pfFirstX[X];
-    const float fY = pfFirstY[X];
-    int nLeft, nRight, nTop, nBottom;
-    // The intermediate size is the second map's size, so the corners index its tables.
-    if (!Span(fX, fWidth, nLeft, nRight) || !Span(fY, fHeight, nTop, nBottom) || nRight >= obSecond.nWidth ||
-        nBottom >= obSecond.nHeight) {
-      pfResultX[X] = fNoSource;
-      pfResultY[X] = fNoSource;
+  // SpanQuad agrees with Span for limits up to 2^31; other limits leave every element to
+  // ComposeElement.
+  const float fIntRange = 2147483648.0f;
+  const bool bQuads = obSampled.fWidth <= fIntRange && obSampled.fHeight <= fIntRange;
+  int X = 0;
+  while (X < nCols) {
+    if (bQuads && nCols - X >= 4 &&
+        ComposeQuad(pfFirstX + X, pfFirstY + X, obSampled, fNoSource, pfResultX + X, pfResultY + X)) {
+      X += 4;
       continue;
     }
-    // Bilinear blend of the four corners, weights and sums in the order of MapBuilder::Bilinear.
-    const float fFractionX = fX - static_cast<float>(nLeft);
-    const float fFractionY = fY - static_cast<float>(nTop);
-    const float fTopLeft = (1.0f - fFractionX) * (1.0f - fFractionY);
-    const float fTopRight = fFractionX * (1.0f - fFractionY);
-    const float fBottomLeft = (1.0f - fFractionX) * fFractionY;
-    const float fBottomRight = fFractionX * fFractionY;
-    const int nTopRow = nTop * obSecond.nWidth, nBottomRow = nBottom * obSecond.nWidth;
-    pfResultX[X] = fTopLeft * obSecond.pfX[nTopRow + nLeft] + fTopRight * obSecond.pfX[nTopRow + nRight] +
-                   fBottomLeft * obSecond.pfX[nBottomRow + nLeft] + fBottomRight * obSecond.pfX[nBottomRow + nRight];
-    pfResultY[X] = fTopLeft * obSecond.pfY[nTopRow + nLeft] + fTopRight * obSecond.pfY[nTopRow + nRight] +
-                   fBottomLeft * obSecond.pfY[nBottomRow + nLeft] + fBottomRight * obSecond.pfY[nBottomRow + nRight];
+    const int nEnd = nCols - X < 4 ? nCols : X + 4;
+    for (; X < nEnd; ++X) {
+      ComposeElement(pfFirstX[X], pfFirstY[X], obSampled, fNoSource, pfResultX[X], pfResultY[X]);
+    }
   }
 }
 

@@ -1,0 +1,275 @@
+// The combined build row by row, against the bilinear rule worked out element by element: random
+// positions (NaN, infinite, negative, beyond the intermediate image, on whole numbers, at the last
+// column and row) over second maps of several sizes, for every row length from 1 to 37 and a long
+// row, compared bit for bit.
+#include <libdewarp_vemo/combined_map_builder.h>
+#include <libdewarp_vemo/image_map.h>
+#include <libdewarp_vemo/map.h>
+#include <libdewarp_vemo/map_builder.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <random>
+#include <vector>
+
+namespace vemo {
+namespace libdewarp {
+namespace {
+
+float FromBits(std::uint32_t uBits) {
+  float f;
+  std::memcpy(&f, &uBits, sizeof(f));
+  return f;
+}
+
+// The NaN that invalid operations (0 * inf, inf - inf) produce on x86: a second map whose NaNs all
+// carry it gives the same NaN whichever operand a sum of two NaNs passes on.
+const std::uint32_t kDefaultNan = 0xFFC00000u;
+
+// Uniform in [0, 1), from the generator's bits alone (the same on every platform).
+float Unit(std::mt19937& g) {
+  return static_cast<float>(g() >> 8) * (1.0f / 16777216.0f);
+}
+
+int Below(std::mt19937& g, int n) {
+  return static_cast<int>(g() % static_cast<std::uint32_t>(n));
+}
+
+// The second map: an intermediate image of nWidth x nHeight (its x table) whose y table is
+// nYWidth x nYHeight. Both tables are read with the smaller extent, so a y table smaller than the
+// x table leaves fewer stored elements than the intermediate image has.
+struct SecondCase {
+  int nWidth, nHeight;
+  int nYWidth, nYHeight;
+};
+
+// A value of the second map: mostly ordinary coordinates, some signed zeros, tiny and huge
+// values, infinities and NaN (the default NaN, or any NaN, quiet or signalling, when bAnyNan).
+float SecondValue(std::mt19937& g, bool bAnyNan) {
+  switch (Below(g, 24)) {
+    case 0:
+      return bAnyNan ? FromBits(0x7F800001u + (g() & 0x807FFFFEu)) : FromBits(kDefaultNan);
+    case 1:
+      return std::numeric_limits<float>::infinity();
+    case 2:
+      return -std::numeric_limits<float>::infinity();
+    case 3:
+      return -0.0f;
+    case 4:
+      return 0.0f;
+    case 5:
+      return std::numeric_limits<float>::denorm_min() * static_cast<float>(Below(g, 1000) + 1);
+    case 6:
+      return 3.0e38f * (Unit(g) - 0.5f);
+    default:
+      return 4000.0f * Unit(g) - 1000.0f;
+  }
+}
+
+std::unique_ptr<ImageMap> MakeSecond(const SecondCase& c, std::mt19937& g, bool bAnyNan) {
+  std::unique_ptr<ImageMap> second(new ImageMap(c.nWidth, c.nHeight));
+  second->GetMapY().Reset(Map::FLOAT, static_cast<unsigned>(c.nYWidth), static_cast<unsigned>(c.nYHeight));
+  float* pfX = second->GetMapX().GetTypePtr<float>();
+  float* pfY = second->GetMapY().GetTypePtr<float>();
+  for (int i = 0; i < c.nWidth * c.nHeight; ++i) {
+    pfX[i] = SecondValue(g, bAnyNan);
+  }
+  for (int i = 0; i < c.nYWidth * c.nYHeight; ++i) {
+    pfY[i] = SecondValue(g, bAnyNan);
+  }
+  return second;
+}
+
+// A position along an axis of fLimit whole pixels, drawn by kind.
+float Position(std::mt19937& g, int nKind, int nLimit) {
+  const float fLimit = static_cast<float>(nLimit);
+  switch (nKind) {
+    case 0:  // inside, fractional
+      return (fLimit - 1.0f) * Unit(g);
+    case 1:  // a whole pixel, the last one included
+      return static_cast<float>(Below(g, nLimit));
+    case 2:  // the last pixel and next to it
+      switch (Below(g, 4)) {
+        case 0:
+          return fLimit - 1.0f;
+        case 1:
+          return std::nextafter(fLimit - 1.0f, 0.0f);
+        case 2:
+          return std::nextafter(fLimit - 1.0f, fLimit);
+        default:
+          return fLimit - 0.5f;
+      }
+    default:  // anything else
+      switch (Below(g, 14)) {
+        case 0:
+          return std::numeric_limits<float>::quiet_NaN();
+        case 1:
+          return FromBits(0xFFFFFFFFu);
+        case 2:
+          return std::numeric_limits<float>::infinity();
+        case 3:
+          return -std::numeric_limits<float>::infinity();
+        case 4:
+          return -0.0f;
+        case 5:
+          return -std::numeric_limits<float>::denorm_min();
+        case 6:
+          return -0.5f * Unit(g);
+        case 7:
+          return -1.0f - 100.0f * Unit(g);
+        case 8:
+          return fLimit;
+        case 9:
+          return fLimit + 100.0f * Unit(g);
+        case 10:
+          return 2147483648.0f;
+        case 11:
+          return 1.0e10f;
+        case 12:
+          return 0.0f;
+        default:
+          return (fLimit + 2.0f) * Unit(g) - 1.0f;
+      }
+  }
+}
+
+// First map positions in runs of one kind (so that groups of neighbours are all inside, all
+// whole, all outside, or mixed).
+void FillPositions(std::mt19937& g, float* pfValues, int nCount, int nLimit) {
+  for (int i = 0; i < nCount;) {
+    const int nKind = Below(g, 6) < 3 ? 0 : Below(g, 4);
+    const int nRun = 1 + Below(g, 9);
+    for (int k = 0; k < nRun && i < nCount; ++k, ++i) {
+      pfValues[i] = Position(g, nKind, nLimit);
+    }
+  }
+}
+
+// The bilinear rule for one position: the corners are the whole pixels l = floor(x), r = ceil(x),
+// t = floor(y), b = ceil(y), which must lie in the intermediate image and in the stored tables
+// (element (c, r) at r * stored width + c); the result is (1-fx)(1-fy) tl + fx(1-fy) tr +
+// (1-fx)fy bl + fx fy br with fx = x - l, fy = y - t, summed from the left; otherwise no source.
+void Reference(float fX, float fY, const ImageMap& second, float& fResultX, float& fResultY) {
+  const Map& obX = second.GetMapX();
+  const Map& obY = second.GetMapY();
+  const float fWidth = static_cast<float>(second.GetMapWidth());
+  const float fHeight = static_cast<float>(second.GetMapHeight());
+  const float fStoredWidth = static_cast<float>(std::min(obX.GetCols(), obY.GetCols()));
+  const float fStoredHeight = static_cast<float>(std::min(obX.GetRows(), obY.GetRows()));
+  const float fLeft = std::floor(fX), fRight = std::ceil(fX), fTop = std::floor(fY), fBottom = std::ceil(fY);
+  if (!(fLeft >= 0.0f) || !(fRight < fWidth) || !(fRight < fStoredWidth) || !(fTop >= 0.0f) ||
+      !(fBottom < fHeight) || !(fBottom < fStoredHeight)) {
+    fResultX = fResultY = MapBuilder::NoSource();
+    return;
+  }
+  const int l = static_cast<int>(fLeft), r = static_cast<int>(fRight);
+  const int t = static_cast<int>(fTop), b = static_cast<int>(fBottom);
+  const int nStride = static_cast<int>(fStoredWidth);
+  const float fx = fX - static_cast<float>(l);
+  const float fy = fY - static_cast<float>(t);
+  const float tl = (1.0f - fx) * (1.0f - fy);
+  const float tr = fx * (1.0f - fy);
+  const float bl = (1.0f - fx) * fy;
+  const float br = fx * fy;
+  const float* pfX = obX.GetTypePtr<float>();
+  const float* pfY = obY.GetTypePtr<float>();
+  const int nTop = t * nStride, nBottom = b * nStride;
+  fResultX = tl * pfX[nTop + l] + tr * pfX[nTop + r] + bl * pfX[nBottom + l] + br * pfX[nBottom + r];
+  fResultY = tl * pfY[nTop + l] + tr * pfY[nTop + r] + bl * pfY[nBottom + l] + br * pfY[nBottom + r];
+}
+
+const SecondCase kSecondMaps[] = {
+    {1, 1, 1, 1},   {2, 1, 2, 1},  {1, 2, 1, 2},   {2, 2, 2, 2},   {3, 5, 3, 5},     {5, 3, 5, 3},
+    {17, 9, 17, 9}, {64, 48, 64, 48}, {101, 7, 101, 7},
+    // The y table narrower, shorter, or both: the stored extent is below the intermediate size.
+    {12, 6, 9, 6},  {12, 6, 12, 4}, {12, 6, 7, 5},  {8, 8, 10, 11},
+};
+
+std::vector<int> RowLengths() {
+  std::vector<int> anLengths;
+  for (int n = 1; n <= 37; ++n) {
+    anLengths.push_back(n);
+  }
+  anLengths.push_back(1003);
+  return anLengths;
+}
+
+const int kRows = 3;
+
+// The first map: nCols x kRows positions over the second map's intermediate image.
+std::unique_ptr<ImageMap> MakeFirst(std::mt19937& g, int nCols, const SecondCase& c) {
+  std::unique_ptr<ImageMap> first(new ImageMap(nCols, kRows));
+  FillPositions(g, first->GetMapX().GetTypePtr<float>(), nCols * kRows, c.nWidth);
+  FillPositions(g, first->GetMapY().GetTypePtr<float>(), nCols * kRows, c.nHeight);
+  return first;
+}
+
+TEST(CombinedMapRows, EveryElementFollowsTheBilinearRuleBitForBit) {
+  std::mt19937 g(20240611u);
+  std::size_t nSourced = 0, nTotal = 0;
+  for (const SecondCase& c : kSecondMaps) {
+    std::unique_ptr<ImageMap> second(MakeSecond(c, g, false));
+    for (int nCols : RowLengths()) {
+      std::unique_ptr<ImageMap> first(MakeFirst(g, nCols, c));
+      std::unique_ptr<ImageMap> result(CombinedMapBuilder().BuildImageMap(*first, *second));
+      ASSERT_EQ(static_cast<unsigned>(nCols), result->GetMapWidth());
+      ASSERT_EQ(static_cast<unsigned>(kRows), result->GetMapHeight());
+      const float* pfFirstX = first->GetMapX().GetTypePtr<float>();
+      const float* pfFirstY = first->GetMapY().GetTypePtr<float>();
+      const float* pfResultX = result->GetMapX().GetTypePtr<float>();
+      const float* pfResultY = result->GetMapY().GetTypePtr<float>();
+      for (int i = 0; i < nCols * kRows; ++i) {
+        float fExpectedX, fExpectedY;
+        Reference(pfFirstX[i], pfFirstY[i], *second, fExpectedX, fExpectedY);
+        ASSERT_EQ(0, std::memcmp(&fExpectedX, pfResultX + i, sizeof(float)))
+            << "x of element " << i << " of " << nCols << " x " << kRows << " over " << c.nWidth << " x "
+            << c.nHeight << " (y table " << c.nYWidth << " x " << c.nYHeight << "), position (" << pfFirstX[i]
+            << ", " << pfFirstY[i] << "): " << fExpectedX << " expected, " << pfResultX[i] << " given";
+        ASSERT_EQ(0, std::memcmp(&fExpectedY, pfResultY + i, sizeof(float)))
+            << "y of element " << i << " of " << nCols << " x " << kRows << " over " << c.nWidth << " x "
+            << c.nHeight << " (y table " << c.nYWidth << " x " << c.nYHeight << "), position (" << pfFirstX[i]
+            << ", " << pfFirstY[i] << "): " << fExpectedY << " expected, " << pfResultY[i] << " given";
+        nSourced += std::isnan(pfResultX[i]) ? 0 : 1;
+        ++nTotal;
+      }
+    }
+  }
+  // Most positions are drawn inside: a comparison of unsourced elements alone would prove little.
+  EXPECT_GT(nSourced, nTotal / 4);
+}
+
+// Second map NaNs with any payload: where two meet in a blend, the one that survives is the
+// composition's own choice, which must not depend on where the element lies in its row. The
+// same positions composed as rows and as a single column (one element per row) must agree.
+TEST(CombinedMapRows, RowsGiveTheValuesOfSingleElementsWhateverTheirNans) {
+  std::mt19937 g(77u);
+  for (const SecondCase& c : kSecondMaps) {
+    std::unique_ptr<ImageMap> second(MakeSecond(c, g, true));
+    for (int nCols : RowLengths()) {
+      std::unique_ptr<ImageMap> first(MakeFirst(g, nCols, c));
+      const int nCount = nCols * kRows;
+      ImageMap column(1, nCount);
+      std::memcpy(column.GetMapX().GetTypePtr<float>(), first->GetMapX().GetTypePtr<float>(), nCount * sizeof(float));
+      std::memcpy(column.GetMapY().GetTypePtr<float>(), first->GetMapY().GetTypePtr<float>(), nCount * sizeof(float));
+      std::unique_ptr<ImageMap> rows(CombinedMapBuilder().BuildImageMap(*first, *second));
+      std::unique_ptr<ImageMap> single(CombinedMapBuilder().BuildImageMap(column, *second));
+      EXPECT_EQ(0, std::memcmp(rows->GetMapX().GetTypePtr<float>(), single->GetMapX().GetTypePtr<float>(),
+                               nCount * sizeof(float)))
+          << nCols << " x " << kRows << " over " << c.nWidth << " x " << c.nHeight;
+      EXPECT_EQ(0, std::memcmp(rows->GetMapY().GetTypePtr<float>(), single->GetMapY().GetTypePtr<float>(),
+                               nCount * sizeof(float)))
+          << nCols << " x " << kRows << " over " << c.nWidth << " x " << c.nHeight;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace libdewarp
+}  // namespace vemo
