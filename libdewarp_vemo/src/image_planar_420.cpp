@@ -182,9 +182,6 @@ void BilinearGroupRowsSse2(const GroupWalk& w) {
     for (std::size_t g = 0; g < w.groups; ++g) {
       const float* group = w.Group(r, g);
       const std::uint32_t c = static_cast<std::uint32_t>(g * Map::s_uBilinearGroupColumns);
-      if (g + kPrefetchGroups < w.groups) {
-        PrefetchGroupSource(w, w.Group(r, g + kPrefetchGroups));
-      }
       if (!BilinearGroup16(w.s, o, group, c, luma, chroma)) {
         BilinearGroupByBlocks(w, o, group, c);
       }

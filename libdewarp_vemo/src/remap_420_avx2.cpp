@@ -185,9 +185,6 @@ __attribute__((target("avx2"))) void BilinearGroupRowsAvx2(const GroupWalk& w) {
     for (std::size_t g = 0; g < w.groups; ++g) {
       const float* group = w.Group(r, g);
       const std::uint32_t c = static_cast<std::uint32_t>(g * Map::s_uBilinearGroupColumns);
-      if (g + kPrefetchGroups < w.groups) {
-        PrefetchGroupSource(w, w.Group(r, g + kPrefetchGroups));
-      }
       if (!Group16(w.s, o, group, c, stride, blocks)) {
         BilinearGroupByBlocks(w, o, group, c);
       }

@@ -17,8 +17,6 @@
 
 #include "remap_420_blocks.h"
 
-#include <xmmintrin.h>
-
 #include <cstddef>
 #include <cstdint>
 
@@ -39,30 +37,6 @@ struct GroupWalk {
     return table + (r * groups + g) * Map::s_uBilinearGroupFloats;
   }
 };
-
-// How many groups ahead the row loops ask for the source lines a group will read.
-const std::size_t kPrefetchGroups = 8;
-
-// Asks for the source lines around the first and the last top-row pixel of the group's even
-// columns (luma rows y and y + 2, and the chroma sample), so that they are on their way while the
-// groups before it are computed: the positions follow curves through the source that the
-// processor's own prefetchers cannot foresee. A prefetch never faults; the marker of a pair
-// outside the picture is skipped. Nothing the kernels compute depends on it.
-inline void PrefetchGroupSource(const GroupWalk& w, const float* group) {
-  for (int k = 0; k < 8; k += 7) {
-    const float x = group[k];
-    const float y = group[8 + k];
-    if (!(x >= 0.0f && x < 32768.0f && y >= 0.0f && y < 32768.0f)) continue;
-    const std::size_t xi = static_cast<std::size_t>(x);
-    const std::size_t yi = static_cast<std::size_t>(y);
-    const std::uint8_t* luma = w.s.y + yi * w.s.stride + xi;
-    const std::size_t chroma = (yi / 2) * w.s.blocks + xi / 2;
-    _mm_prefetch(reinterpret_cast<const char*>(luma), _MM_HINT_T0);
-    _mm_prefetch(reinterpret_cast<const char*>(luma + 2 * w.s.stride), _MM_HINT_T0);
-    _mm_prefetch(reinterpret_cast<const char*>(w.s.u + chroma), _MM_HINT_T0);
-    _mm_prefetch(reinterpret_cast<const char*>(w.s.v + chroma), _MM_HINT_T0);
-  }
-}
 
 // The blocks of one group (columns c to c + 15, those below the width) through the scalar
 // kernel.
