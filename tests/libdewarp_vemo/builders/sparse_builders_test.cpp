@@ -268,8 +268,9 @@ TEST(SparseQuadrantMapBuilder, LatticeRunsFromTheCentreAndEachCellIsChecked) {
   AffineFunctor f(1, 0, 1, 0);
   f.record = true;
   std::unique_ptr<ImageMap> map(SparseQuadrantMapBuilder().BuildImageMap(Resolution(10, 10), Resolution(9, 9), f));
-  // Lines 0, 4, 8 on both axes (the centre pixel 4 and 4 pixels outward): 9 crossings, then one
-  // check at the middle of each of the 4 cells.
+  // Lines 0, 4, 8 on both axes (the centre pixel 4 and the borders; the next line outward would
+  // lie 8 pixels out, beyond them): 9 crossings, then one check at the middle of each of the 4
+  // cells.
   EXPECT_EQ(9 + 4, f.calls);
   bool centre = false;
   for (const Vector2d& p : f.points) {
@@ -277,20 +278,50 @@ TEST(SparseQuadrantMapBuilder, LatticeRunsFromTheCentreAndEachCellIsChecked) {
   }
   EXPECT_TRUE(centre);
   AffineFunctor g(1, 0, 1, 0);
-  std::unique_ptr<ImageMap> even(SparseQuadrantMapBuilder().BuildImageMap(Resolution(10, 10), Resolution(10, 6), g));
-  // Columns 0, 1, 5, 9 (centre 5); rows 0, 3, 5 (centre 3): 12 crossings; 3 x 2 cells, each at
-  // least 2 pixels tall, so each has a middle pixel to check.
-  EXPECT_EQ(12 + 6, g.calls);
+  g.record = true;
+  std::unique_ptr<ImageMap> wide(SparseQuadrantMapBuilder().BuildImageMap(Resolution(10, 10), Resolution(25, 10), g));
+  // Columns 0, 4, 12, 20, 24 (the centre 12, then every 8 pixels outward, ending on the borders);
+  // rows 0, 5, 9 (centre 5): 15 crossings; 4 x 2 cells, each at least 2 pixels across both ways,
+  // so each has a middle pixel to check.
+  EXPECT_EQ(15 + 8, g.calls);
+  // The crossing of column 4 and row 0 is evaluated: column 4 lies at x = -12.5 + 4.
+  bool crossing = false;
+  for (const Vector2d& p : g.points) {
+    crossing = crossing || p == Vector2d(-8.5f, -5.0f);
+  }
+  EXPECT_TRUE(crossing);
 }
 
+// (x, y) -> (x^2 / k, y): bent along x only, so a bilinear cell w pixels wide misses the curve by
+// w^2 / (4 k) at its middle column, and by no more anywhere else in the cell.
+class QuadraticAlongX : public MapFunctor {
+public:
+  explicit QuadraticAlongX(float k) : m_k(k) {}
+  virtual Vector2d Call(const Vector2d& p) {
+    ++calls;
+    return Vector2d(p.X * p.X / m_k, p.Y);
+  }
+  long calls = 0;
+
+private:
+  float m_k;
+};
+
 TEST(SparseQuadrantMapBuilder, CellsThatMissTheirMiddleAreRefinedUntilWithinTheThreshold) {
-  // x^2 / 8 over cells 4 wide misses the middle by 0.5 > 1/8: every cell is halved; over the
-  // halves (2 wide) the miss is 1/8, so they are interpolated. The map is then within 1/8 of the
-  // dense map everywhere, and the refinement costs more calls than a map that needs none.
-  test::QuadraticFunctor f, g;
+  // 17 x 9: columns 0, 8, 16 and rows 0, 4, 8. x^2 / 128 over cells 8 wide misses the middle by
+  // 64 / 512 = 1/8 > 1/16: every cell is halved; over the halves (4 wide) the miss is
+  // 16 / 512 = 1/32, so they are interpolated. The map is then within 1/16 of the dense map
+  // everywhere, and the refinement costs more calls than a map that needs none, but fewer than
+  // the dense build.
+  QuadraticAlongX f(128.0f), g(128.0f);
   std::unique_ptr<ImageMap> dense(LinearMapBuilder().BuildImageMap(Resolution(0, 0), Resolution(17, 9), f));
   std::unique_ptr<ImageMap> sparse(SparseQuadrantMapBuilder().BuildImageMap(Resolution(0, 0), Resolution(17, 9), g));
-  ExpectMatchesDense(*sparse, *dense, 0.125f + 1e-5f, [](unsigned, unsigned) { return true; });
+  ExpectMatchesDense(*sparse, *dense, 0.0625f + 1e-5f, [](unsigned, unsigned) { return true; });
+  // Pixel (2, 0) lies halfway along the top edge of a half (columns 0 to 4, x = -8.5 to -4.5) and
+  // is not one of its checked points: it holds the interpolation over the half, 1/32 above the
+  // curve, where a cell of the first level would have put it 3/32 above.
+  EXPECT_FLOAT_EQ((8.5f * 8.5f + 4.5f * 4.5f) / 128 / 2, MapX(*sparse, 2, 0));
+  EXPECT_FLOAT_EQ(6.5f * 6.5f / 128 + 1.0f / 32, MapX(*sparse, 2, 0));
   test::AffineFunctor smooth(2.0f, 1.0f, 0.5f, -3.0f);
   std::unique_ptr<ImageMap> unrefined(
       SparseQuadrantMapBuilder().BuildImageMap(Resolution(0, 0), Resolution(17, 9), smooth));
@@ -298,27 +329,19 @@ TEST(SparseQuadrantMapBuilder, CellsThatMissTheirMiddleAreRefinedUntilWithinTheT
   EXPECT_LT(g.calls, f.calls);
 }
 
-class GentleQuadratic : public MapFunctor {
-public:
-  virtual Vector2d Call(const Vector2d& p) {
-    ++calls;
-    return Vector2d(p.X * p.X / 64.0f, p.Y);
-  }
-  long calls = 0;
-};
-
 TEST(SparseQuadrantMapBuilder, CellsWithinTheThresholdAreInterpolated) {
-  // x^2 / 64 over cells 4 wide misses the middle by 4 / 64 = 1/16 <= 1/8: interpolated.
-  GentleQuadratic f;
-  std::unique_ptr<ImageMap> map(SparseQuadrantMapBuilder().BuildImageMap(Resolution(0, 0), Resolution(9, 9), f));
+  // 17 x 17: lines 0, 8, 16 on both axes. x^2 / 512 over cells 8 wide misses the middle by
+  // 64 / 2048 = 1/32 <= 1/16: interpolated.
+  QuadraticAlongX f(512.0f);
+  std::unique_ptr<ImageMap> map(SparseQuadrantMapBuilder().BuildImageMap(Resolution(0, 0), Resolution(17, 17), f));
   EXPECT_EQ(9 + 4, f.calls);
-  // Column 2 (x = -2.5) lies halfway between columns 0 (x = -4.5) and 4 (x = -0.5); row 1 is not
-  // a cell middle row, so it holds the interpolated value.
-  const float interpolated = (4.5f * 4.5f + 0.5f * 0.5f) / 64 / 2;
-  EXPECT_FLOAT_EQ(interpolated, MapX(*map, 2, 1));
-  EXPECT_FLOAT_EQ(2.5f * 2.5f / 64 + 4.0f / 64, interpolated);
-  // The checked middle pixel (2, 2) keeps the functor's own value.
-  EXPECT_FLOAT_EQ(2.5f * 2.5f / 64, MapX(*map, 2, 2));
+  // Column 4 (x = -4.5) lies halfway between columns 0 (x = -8.5) and 8 (x = -0.5); row 1 is not
+  // a cell middle row, so it holds the interpolated value, 1/32 above the curve.
+  const float interpolated = (8.5f * 8.5f + 0.5f * 0.5f) / 512 / 2;
+  EXPECT_FLOAT_EQ(interpolated, MapX(*map, 4, 1));
+  EXPECT_FLOAT_EQ(4.5f * 4.5f / 512 + 1.0f / 32, interpolated);
+  // The checked middle pixel (4, 4) keeps the functor's own value.
+  EXPECT_FLOAT_EQ(4.5f * 4.5f / 512, MapX(*map, 4, 4));
 }
 
 }  // namespace
