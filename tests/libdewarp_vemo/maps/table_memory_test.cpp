@@ -160,6 +160,29 @@ TEST(TableMemory, ASmallerRequestTakesTheSmallestLargerBlockCutToSize) {
   static_cast<unsigned char*>(whole.get())[8 * kMiB - 1] = 2;
 }
 
+// Fresh blocks of a huge page or more start on a 2 MiB boundary, so that the kernel can back
+// them with transparent huge pages; the whole request is there, and so are blocks just under a
+// huge page, which are mapped as they are.
+TEST(TableMemory, AFreshBlockOfAHugePageOrMoreStartsOnAHugePageBoundary) {
+  if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
+  const std::size_t kHuge = 2 * kMiB;
+  for (std::size_t bytes : {kHuge, 3 * kMiB + 40, 17 * kMiB + 4095}) {
+    std::shared_ptr<void> block = table_memory::Allocate(bytes);
+    EXPECT_EQ(0u, reinterpret_cast<std::uintptr_t>(block.get()) % kHuge) << bytes;
+    unsigned char* c = static_cast<unsigned char*>(block.get());
+    for (std::size_t i = 0; i < bytes; i += 4096) c[i] = 0x11;
+    c[bytes - 1] = 0x22;
+    EXPECT_EQ(0x11, c[0]);
+    EXPECT_EQ(0x22, c[bytes - 1]);
+  }
+  std::shared_ptr<void> under = table_memory::Allocate(kHuge - 4096);
+  unsigned char* c = static_cast<unsigned char*>(under.get());
+  c[0] = 1;
+  c[kHuge - 4097] = 2;
+  EXPECT_EQ(2, c[kHuge - 4097]);
+  table_memory::ReleaseSpares();
+}
+
 TEST(TableMemory, SmallBlocksAreNeverKept) {
   if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
   { std::shared_ptr<void> block = table_memory::Allocate(kMiB - 1); }
