@@ -29,25 +29,47 @@ struct LatticeCell {
   int nLeft, nRight, nTop, nBottom;
 };
 
+// The two table values of one element.
+struct TablePoint {
+  float fX, fY;
+};
+
+// A cell to be blended with the values its corners and middle held when it was judged. For the
+// parts of refined cells those are exact functor values, kept so that whatever a neighbour's fill
+// writes over them before the part is filled, the part is filled from them: so each part's fill
+// depends on its own points alone, and any band of cell rows holds the values the whole lattice
+// gives it.
+struct ListedBlend {
+  LatticeCell obCell;
+  TablePoint obTopLeft, obTopRight, obBottomLeft, obBottomRight, obMiddle;
+};
+
 // How a cell of the lattice is filled (see LatticeFill).
 enum CellFill : unsigned char { FILL_BLEND, FILL_BLEND_KEEP_MIDDLE, FILL_NO_SOURCE, FILL_REFINED };
 
 // Bilinear fill of one cell of nWidth x nHeight steps (corners included), row by row: the
 // values of the row's two ends are interpolated between the corners above and below, the
 // pixels between them along the row. The ends are stored as computed and the corners exactly,
-// so that two cells that share an edge store the same values on it (and a cell of 1 x 1 steps,
-// whose corners may lack a source, stores its corners unchanged).
-void FillCell(float* pfX, float* pfY, int nStride, int nWidth, int nHeight, const Vector2d& obTopLeft,
-                          const Vector2d& obTopRight, const Vector2d& obBottomLeft, const Vector2d& obBottomRight) {
+// so that two cells that share an edge store the same values on it, a corner is never changed by
+// a fill, and a cell whose corners may lack a source (one of 1 x 1 steps) stores them unchanged.
+void FillCell(float* pfX, float* pfY, int nStride, int nWidth, int nHeight, const TablePoint& obTopLeft,
+              const TablePoint& obTopRight, const TablePoint& obBottomLeft, const TablePoint& obBottomRight) {
   const float fStepPerColumn = nWidth > 0 ? 1.0f / static_cast<float>(nWidth) : 1.0f;
   const float fHeight = nHeight > 0 ? static_cast<float>(nHeight) : 1.0f;
   for (int j = 0; j <= nHeight; ++j) {
     const bool bLast = (j == nHeight);
     const float fY = static_cast<float>(j) / fHeight;
-    const float fLeftX = bLast ? obBottomLeft.X : obTopLeft.X + (obBottomLeft.X - obTopLeft.X) * fY;
-    const float fLeftY = bLast ? obBottomLeft.Y : obTopLeft.Y + (obBottomLeft.Y - obTopLeft.Y) * fY;
-    const float fRightX = bLast ? obBottomRight.X : obTopRight.X + (obBottomRight.X - obTopRight.X) * fY;
-    const float fRightY = bLast ? obBottomRight.Y : obTopRight.Y + (obBottomRight.Y - obTopRight.Y) * fY;
+    // The first and the last row take their corners as they are: blending them with a corner
+    // without a source would turn a corner that has one into NaN (NaN * 0).
+    const bool bFirst = (j == 0);
+    const float fLeftX =
+        bFirst ? obTopLeft.fX : bLast ? obBottomLeft.fX : obTopLeft.fX + (obBottomLeft.fX - obTopLeft.fX) * fY;
+    const float fLeftY =
+        bFirst ? obTopLeft.fY : bLast ? obBottomLeft.fY : obTopLeft.fY + (obBottomLeft.fY - obTopLeft.fY) * fY;
+    const float fRightX =
+        bFirst ? obTopRight.fX : bLast ? obBottomRight.fX : obTopRight.fX + (obBottomRight.fX - obTopRight.fX) * fY;
+    const float fRightY =
+        bFirst ? obTopRight.fY : bLast ? obBottomRight.fY : obTopRight.fY + (obBottomRight.fY - obTopRight.fY) * fY;
     const float fStepX = fRightX - fLeftX;
     const float fStepY = fRightY - fLeftY;
     float* const pfRowX = pfX + j * nStride;
@@ -103,10 +125,10 @@ public:
       m_aobPending.pop_back();
       switch (ClassifyOne(obPart)) {
         case FILL_BLEND:
-          m_aobBlend.push_back(obPart);
+          m_aobBlend.push_back(Judged(obPart));
           break;
         case FILL_BLEND_KEEP_MIDDLE:
-          m_aobBlendKeepMiddle.push_back(obPart);
+          m_aobBlendKeepMiddle.push_back(Judged(obPart));
           break;
         case FILL_NO_SOURCE:
           m_aobNoSource.push_back(obPart);
@@ -128,27 +150,17 @@ public:
     }
   }
 
-  void Blend(const LatticeCell& obCell, bool bKeepMiddle) {
-    const int nMiddle = (obCell.nTop + (obCell.nBottom - obCell.nTop) / 2) * m_nStride + obCell.nLeft +
-                        (obCell.nRight - obCell.nLeft) / 2;
-    const float fMiddleX = m_pfX[nMiddle], fMiddleY = m_pfY[nMiddle];
-    const int nOrigin = obCell.nTop * m_nStride + obCell.nLeft;
-    FillCell(m_pfX + nOrigin, m_pfY + nOrigin, m_nStride, obCell.nRight - obCell.nLeft, obCell.nBottom - obCell.nTop,
-             Value(obCell.nLeft, obCell.nTop), Value(obCell.nRight, obCell.nTop), Value(obCell.nLeft, obCell.nBottom),
-             Value(obCell.nRight, obCell.nBottom));
-    if (bKeepMiddle) {
-      m_pfX[nMiddle] = fMiddleX;
-      m_pfY[nMiddle] = fMiddleY;
-    }
-  }
+  // A cell of the lattice itself: its corners are lattice crossings, which every fill stores
+  // unchanged, so they are read as they stand.
+  void Blend(const LatticeCell& obCell, bool bKeepMiddle) { BlendAs(Judged(obCell), bKeepMiddle); }
 
   // The listed parts of refined cells, after the lattice's own cells of the same kind.
   void FillListedNoSource() {
     for (const LatticeCell& obCell : m_aobNoSource) FillNoSource(obCell);
   }
   void BlendListed() {
-    for (const LatticeCell& obCell : m_aobBlend) Blend(obCell, false);
-    for (const LatticeCell& obCell : m_aobBlendKeepMiddle) Blend(obCell, true);
+    for (const ListedBlend& obPart : m_aobBlend) BlendAs(obPart, false);
+    for (const ListedBlend& obPart : m_aobBlendKeepMiddle) BlendAs(obPart, true);
   }
   // Neighbouring listed cells share their edges. Nothing but exact values is written from here
   // on, so a point evaluated once keeps its value and is not evaluated again (one bit per
@@ -173,6 +185,34 @@ public:
 
 private:
   Vector2d Value(int k, int j) const { return Vector2d(m_pfX[j * m_nStride + k], m_pfY[j * m_nStride + k]); }
+
+  static int MiddleColumn(const LatticeCell& obCell) { return obCell.nLeft + (obCell.nRight - obCell.nLeft) / 2; }
+  static int MiddleRow(const LatticeCell& obCell) { return obCell.nTop + (obCell.nBottom - obCell.nTop) / 2; }
+
+  // The cell with the values its corners and middle hold now.
+  ListedBlend Judged(const LatticeCell& obCell) const {
+    return ListedBlend{obCell,
+                       At(obCell.nLeft, obCell.nTop),
+                       At(obCell.nRight, obCell.nTop),
+                       At(obCell.nLeft, obCell.nBottom),
+                       At(obCell.nRight, obCell.nBottom),
+                       At(MiddleColumn(obCell), MiddleRow(obCell))};
+  }
+  TablePoint At(int k, int j) const { return TablePoint{m_pfX[j * m_nStride + k], m_pfY[j * m_nStride + k]}; }
+
+  // Bilinear fill of the cell from the given corners; with bKeepMiddle its middle then takes the
+  // given middle value.
+  void BlendAs(const ListedBlend& obPart, bool bKeepMiddle) {
+    const LatticeCell& obCell = obPart.obCell;
+    const int nOrigin = obCell.nTop * m_nStride + obCell.nLeft;
+    FillCell(m_pfX + nOrigin, m_pfY + nOrigin, m_nStride, obCell.nRight - obCell.nLeft, obCell.nBottom - obCell.nTop,
+             obPart.obTopLeft, obPart.obTopRight, obPart.obBottomLeft, obPart.obBottomRight);
+    if (bKeepMiddle) {
+      const int nMiddle = MiddleRow(obCell) * m_nStride + MiddleColumn(obCell);
+      m_pfX[nMiddle] = obPart.obMiddle.fX;
+      m_pfY[nMiddle] = obPart.obMiddle.fY;
+    }
+  }
 
   // How one cell is filled; a cell to be evaluated pixel by pixel is listed at once, a refined
   // cell's parts are queued.
@@ -282,7 +322,8 @@ private:
   Vector2d m_obInputOffset;
   float m_fLeft, m_fTop, m_fThreshold;
   bool m_bCheck;
-  std::vector<LatticeCell> m_aobPending, m_aobNoSource, m_aobBlend, m_aobBlendKeepMiddle, m_aobEvaluate;
+  std::vector<LatticeCell> m_aobPending, m_aobNoSource, m_aobEvaluate;
+  std::vector<ListedBlend> m_aobBlend, m_aobBlendKeepMiddle;
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <libdewarp_vemo/sparse_quadrant_map_builder.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -78,6 +79,40 @@ ImageMap* SparseQuadrantMapBuilder::BuildImageMap(const Resolution& obInputResol
                                                   const Resolution& obOutputResolution, MapFunctor& pfnMapping,
                                                   const Resolution& obCrop) {
   return BuildOnLattice(obInputResolution, obOutputResolution, pfnMapping, obCrop, QuadrantLines, kThreshold);
+}
+
+ImageMap* SparseQuadrantMapBuilder::BuildRowBand(const Resolution& obInputResolution,
+                                                 const Resolution& obOutputResolution, MapFunctor& pfnMapping,
+                                                 int nFirstRow, int nLastRow) {
+  std::unique_ptr<ImageMap> pobResult(NewUnfilledImageMap(obInputResolution, obOutputResolution));
+  const MapPlanes obPlanes = GetPlanes(*pobResult);
+  const CropGrid obGrid = GetCropGrid(obOutputResolution, obOutputResolution, obPlanes);
+  const std::vector<int> anAllRows = QuadrantLines(obGrid.nRows);
+  // The rows of cells that reach into the band, the cells on either side of a line at its edge
+  // included (both write that line, and the more exact of the two values is the one kept).
+  const int nFirst = nFirstRow - obGrid.nRowBase, nLast = nLastRow - obGrid.nRowBase;
+  std::size_t nLo = 0, nHi = anAllRows.empty() ? 0 : anAllRows.size() - 1;
+  while (nLo + 1 < anAllRows.size() && anAllRows[nLo + 1] < nFirst) ++nLo;
+  while (nHi > nLo + 1 && anAllRows[nHi - 1] > nLast) --nHi;
+  const bool bBand = nFirst <= nLast && !anAllRows.empty() && anAllRows[nLo] <= nLast && anAllRows[nHi] >= nFirst;
+  const std::vector<int> anRows =
+      bBand ? std::vector<int>(anAllRows.begin() + nLo, anAllRows.begin() + nHi + 1) : std::vector<int>();
+  // Rows outside the lines built: without a source.
+  const int nBuiltFirst = bBand ? obGrid.nRowBase + anRows.front() : obPlanes.nHeight;
+  const int nBuiltLast = bBand ? obGrid.nRowBase + anRows.back() : obPlanes.nHeight - 1;
+  const float fNoSource = NoSource();
+  for (int j = 0; j < obPlanes.nHeight; ++j) {
+    if (j >= nBuiltFirst && j <= nBuiltLast) continue;
+    float* const pfRowX = obPlanes.pfX + static_cast<std::ptrdiff_t>(j) * obPlanes.nWidth;
+    float* const pfRowY = obPlanes.pfY + static_cast<std::ptrdiff_t>(j) * obPlanes.nWidth;
+    std::fill(pfRowX, pfRowX + obPlanes.nWidth, fNoSource);
+    std::fill(pfRowY, pfRowY + obPlanes.nWidth, fNoSource);
+  }
+  if (bBand) {
+    BuildLattice(obPlanes, obGrid, pfnMapping, obInputResolution.Centre(), QuadrantLines(obGrid.nCols), anRows,
+                 kThreshold);
+  }
+  return pobResult.release();
 }
 
 }  // namespace libdewarp

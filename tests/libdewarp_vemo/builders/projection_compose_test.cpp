@@ -182,7 +182,28 @@ INSTANTIATE_TEST_SUITE_P(
         ComposeCase{false, CYLINDRICAL_PROJECTION, 37, 1, Vector2d(2.0f, 0.0f), Vector2d(0.6f, 1.0f)},
         ComposeCase{true, RECTILINEAR_PROJECTION, 1, 9, kNoShift, Vector2d(1.0f, 0.55f)},
         // The single panoramic view's shape, smaller.
-        ComposeCase{true, EQUIRECTANGULAR_PROJECTION, 381, 121, Vector2d(0.0f, -20.0f), Vector2d(0.95f, 0.8f)}));
+        ComposeCase{true, EQUIRECTANGULAR_PROJECTION, 381, 121, Vector2d(0.0f, -20.0f), Vector2d(0.95f, 0.8f)},
+        // The lower half of the projection stretched to the whole height, as the panoramic views
+        // of a ceiling camera show it: only the rows of that half are read.
+        ComposeCase{true, CYLINDRICAL_PROJECTION, 380, 122, Vector2d(0.0f, 61.0f), Vector2d(1.0f, 0.5f)},
+        ComposeCase{false, CYLINDRICAL_PROJECTION, 380, 122, Vector2d(0.0f, 61.0f), Vector2d(1.0f, 0.5f)},
+        // A thin band of rows in the middle, and one whose rows run past the bottom.
+        ComposeCase{true, MERCATOR_PROJECTION, 121, 90, Vector2d(3.0f, 0.0f), Vector2d(1.0f, 0.05f)},
+        ComposeCase{true, EQUIRECTANGULAR_PROJECTION, 121, 90, Vector2d(0.0f, 30.0f), Vector2d(1.0f, 1.5f)}));
+
+// A shift that takes every row of S outside the projection map: nothing is read and nothing has a
+// source, as in the stored composition.
+TEST(ProjectionComposeOutside, ShiftPastTheMapGivesNoSourceAnywhere) {
+  for (float fShift : {500.0f, -500.0f}) {
+    const ComposeCase c{true, CYLINDRICAL_PROJECTION, 64, 48, Vector2d(0.0f, fShift), Vector2d(1.0f, 1.0f)};
+    std::unique_ptr<ImageMap> expected(Reference(c));
+    std::unique_ptr<ImageMap> actual(Fused(c));
+    ASSERT_EQ(expected->GetMapWidth(), actual->GetMapWidth());
+    ASSERT_EQ(expected->GetMapHeight(), actual->GetMapHeight());
+    EXPECT_EQ(0u, Sourced(*expected)) << c;
+    EXPECT_EQ(0u, Sourced(*actual)) << c;
+  }
+}
 
 }  // namespace
 }  // namespace libdewarp

@@ -2,6 +2,8 @@
 // NaN regions.
 #include <libdewarp_vemo/grid_map_builder.h>
 #include <libdewarp_vemo/linear_map_builder.h>
+#include <libdewarp_vemo/projection.h>
+#include <libdewarp_vemo/projection_functor.h>
 #include <libdewarp_vemo/resolution.h>
 #include <libdewarp_vemo/sparse_map_builder.h>
 #include <libdewarp_vemo/sparse_map_builder_2.h>
@@ -9,9 +11,13 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <cstring>
+#include <limits>
 #include <memory>
 #include <stdexcept>
+#include <vector>
 
 #include "builders_test_support.h"
 
@@ -342,6 +348,102 @@ TEST(SparseQuadrantMapBuilder, CellsWithinTheThresholdAreInterpolated) {
   EXPECT_FLOAT_EQ(4.5f * 4.5f / 512 + 1.0f / 32, interpolated);
   // The checked middle pixel (4, 4) keeps the functor's own value.
   EXPECT_FLOAT_EQ(4.5f * 4.5f / 512, MapX(*map, 4, 4));
+}
+
+// The quadrant builder's band build, open to the tests.
+class BandBuilder : public SparseQuadrantMapBuilder {
+public:
+  using SparseQuadrantMapBuilder::BuildRowBand;
+};
+
+// Counts the calls of another functor.
+class CountingFunctor : public MapFunctor {
+public:
+  explicit CountingFunctor(MapFunctor& inner) : m_inner(inner) {}
+  virtual Vector2d Call(const Vector2d& p) {
+    ++calls;
+    return m_inner(p);
+  }
+  long calls = 0;
+
+private:
+  MapFunctor& m_inner;
+};
+
+// Another functor's values inside a circle of the source (relative to the source centre, as
+// functor values are) and none outside it: a lens rim.
+class RimFunctor : public MapFunctor {
+public:
+  RimFunctor(MapFunctor& inner, float fRadius) : m_inner(inner), m_fRadius(fRadius) {}
+  virtual Vector2d Call(const Vector2d& p) {
+    const Vector2d v = m_inner(p);
+    if (std::hypot(v.X, v.Y) <= m_fRadius) return v;
+    return Vector2d(std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::quiet_NaN());
+  }
+
+private:
+  MapFunctor& m_inner;
+  float m_fRadius;
+};
+
+bool SameBits(float a, float b) { return std::memcmp(&a, &b, sizeof(float)) == 0; }
+
+// A band build must hold, in the rows asked for, exactly what the whole build holds there: its
+// cells are those of the whole build. A fisheye-to-cylinder map has curved cells that are refined
+// and, cut by a lens rim, parts without a source, so every kind of cell fill takes part. Rows far from the band
+// (beyond the lattice lines around it, 8 pixels apart) have no source.
+TEST(SparseQuadrantMapBuilder, ABandOfRowsHoldsTheWholeBuildsValuesThere) {
+  const Resolution in(1000, 800), out(381, 121);
+  ProjectionFunctor cylinder(CYLINDRICAL_PROJECTION, CIRCULAR_FISHEYE_CAMERA, 60.0f, Projection::IdentityScale);
+  RimFunctor projection(cylinder, 150.0f);
+  CountingFunctor whole(projection);
+  std::unique_ptr<ImageMap> expected(SparseQuadrantMapBuilder().BuildImageMap(in, out, whole, out));
+  int nSourced = 0, nWithout = 0;
+  for (unsigned y = 0; y < 121; ++y) {
+    for (unsigned x = 0; x < 381; ++x) (std::isnan(MapX(*expected, x, y)) ? nWithout : nSourced)++;
+  }
+  ASSERT_GT(nSourced, 0);
+  ASSERT_GT(nWithout, 0);
+  // Whole, lower half from the centre line (row 60 is a lattice line), rows between lines, a
+  // single row on a line, a single row between lines, the first and the last row, a band reaching
+  // past the map, a band outside it and an empty band.
+  std::vector<std::array<int, 2>> bands = {{0, 120}, {60, 120}, {61, 63}, {68, 68}, {33, 33}, {0, 0}, {120, 120},
+                                           {100, 500}, {-40, 2}, {121, 300}, {-9, -1}, {50, 40}};
+  // And every single row, and every band of six rows.
+  for (int r = 0; r < 121; ++r) {
+    bands.push_back({r, r});
+    bands.push_back({r, r + 5});
+  }
+  for (const auto& band : bands) {
+    CountingFunctor counted(projection);
+    std::unique_ptr<ImageMap> actual(BandBuilder::BuildRowBand(in, out, counted, band[0], band[1]));
+    ASSERT_EQ(381u, actual->GetMapWidth());
+    ASSERT_EQ(121u, actual->GetMapHeight());
+    EXPECT_EQ(in.X, actual->GetInputSize().X);
+    bool bSame = true, bOutsideEmpty = true;
+    for (int y = 0; y < 121; ++y) {
+      const bool bInBand = y >= band[0] && y <= band[1];
+      const bool bFar = y < band[0] - 8 || y > band[1] + 8;
+      for (unsigned x = 0; x < 381; ++x) {
+        const float ax = MapX(*actual, x, y), ay = MapY(*actual, x, y);
+        if (bInBand) {
+          bSame = bSame && SameBits(ax, MapX(*expected, x, y)) && SameBits(ay, MapY(*expected, x, y));
+        } else if (bFar) {
+          bOutsideEmpty = bOutsideEmpty && std::isnan(ax) && std::isnan(ay);
+        }
+      }
+    }
+    EXPECT_TRUE(bSame) << band[0] << ".." << band[1];
+    EXPECT_TRUE(bOutsideEmpty) << band[0] << ".." << band[1];
+    if (band[0] == 60 && band[1] == 120) {
+      // Half the rows of cells: about half the calls, and surely not more than two thirds.
+      EXPECT_LT(counted.calls * 3, whole.calls * 2);
+      EXPECT_GT(counted.calls * 3, whole.calls);
+    }
+    if (band[0] > band[1] || band[1] < 0 || band[0] > 120) {
+      EXPECT_EQ(0, counted.calls) << band[0] << ".." << band[1];
+    }
+  }
 }
 
 }  // namespace
