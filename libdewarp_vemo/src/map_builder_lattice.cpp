@@ -98,15 +98,23 @@ void FillCell(float* pfX, float* pfY, int nStride, int nWidth, int nHeight, cons
 // than one per pixel; a strip one step across with a source at some corners only is judged edge
 // by edge (see SplitStrip). Without a check (an infinite threshold) a cell with a corner lacking a
 // source is evaluated pixel by pixel at once, as the plain grid scheme does.
+// With a no-source test (see MapBuilder::NoSourceTest) a cell larger than kNoSourceSteps whose
+// corners and middle have no source is left without a source at once when the test vouches that
+// no point of it has one. That changes nothing in the map: halved, such a cell ends as parts that
+// are all left without a source (every point evaluated in it has none, and halving a cell larger
+// than kNoSourceSteps never leaves a part of 1 x 1 steps, the one kind that is blended whatever
+// its corners), and those parts cover exactly the cell; the other cells are classified on the
+// same evaluated points, and listed in the same order, as before.
 // The fills are applied in the order no source, blend, evaluation, so that on the edges that
 // neighbouring cells share the more exact value wins. The cells of the lattice itself are
 // recorded one byte each; only the parts of refined cells are listed.
 class LatticeFill {
 public:
   LatticeFill(float* pfX, float* pfY, int nStride, MapFunctor& pfnMapping, const Vector2d& obInputOffset,
-              float fLeft, float fTop, float fThreshold)
+              float fLeft, float fTop, float fThreshold, const MapBuilder::NoSourceTest* pobNoSource)
       : m_pfX(pfX), m_pfY(pfY), m_nStride(nStride), m_pfnMapping(pfnMapping), m_obInputOffset(obInputOffset),
-        m_fLeft(fLeft), m_fTop(fTop), m_fThreshold(fThreshold), m_bCheck(std::isfinite(fThreshold)) {}
+        m_fLeft(fLeft), m_fTop(fTop), m_fThreshold(fThreshold), m_bCheck(std::isfinite(fThreshold)),
+        m_pobNoSource(pobNoSource && pobNoSource->pfnTest ? pobNoSource : nullptr) {}
 
   void Evaluate(int k, int j) {
     const Vector2d obSource = m_pfnMapping(Vector2d(m_fLeft + static_cast<float>(k), m_fTop + static_cast<float>(j)));
@@ -214,6 +222,15 @@ private:
     }
   }
 
+  // Whether the no-source test vouches for every point of the cell, corners included; the
+  // corner points are formed as Evaluate forms them.
+  bool NoSourceVouched(const LatticeCell& obCell) const {
+    return m_pobNoSource &&
+           m_pobNoSource->pfnTest(m_pobNoSource->pContext, m_fLeft + static_cast<float>(obCell.nLeft),
+                                  m_fTop + static_cast<float>(obCell.nTop), m_fLeft + static_cast<float>(obCell.nRight),
+                                  m_fTop + static_cast<float>(obCell.nBottom));
+  }
+
   // How one cell is filled; a cell to be evaluated pixel by pixel is listed at once, a refined
   // cell's parts are queued.
   CellFill ClassifyOne(const LatticeCell& obCell) {
@@ -246,7 +263,8 @@ private:
       Evaluate(nMidColumn, nMidRow);
       bMiddleKnown = true;
       const Vector2d obMiddle = Value(nMidColumn, nMidRow);
-      if (nValid == 0 && !obMiddle.Valid() && nWidth <= kNoSourceSteps && nHeight <= kNoSourceSteps) {
+      if (nValid == 0 && !obMiddle.Valid() &&
+          ((nWidth <= kNoSourceSteps && nHeight <= kNoSourceSteps) || NoSourceVouched(obCell))) {
         return FILL_NO_SOURCE;
       }
       if (nValid == 4 && obMiddle.Valid()) {
@@ -322,6 +340,7 @@ private:
   Vector2d m_obInputOffset;
   float m_fLeft, m_fTop, m_fThreshold;
   bool m_bCheck;
+  const MapBuilder::NoSourceTest* m_pobNoSource;
   std::vector<LatticeCell> m_aobPending, m_aobNoSource, m_aobEvaluate;
   std::vector<ListedBlend> m_aobBlend, m_aobBlendKeepMiddle;
 };
@@ -343,14 +362,14 @@ ImageMap* MapBuilder::BuildOnLattice(const Resolution& obInputResolution, const 
 
 void MapBuilder::BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid, MapFunctor& pfnMapping,
                               const Vector2d& obInputOffset, const std::vector<int>& anColumns,
-                              const std::vector<int>& anRows, float fThreshold) {
+                              const std::vector<int>& anRows, float fThreshold, const NoSourceTest* pobNoSource) {
   if (obGrid.nCols <= 0 || obGrid.nRows <= 0 || anColumns.empty() || anRows.empty()) {
     return;
   }
   const int nStride = obPlanes.nWidth;
   LatticeFill obFill(obPlanes.pfX + obGrid.nRowBase * nStride + obGrid.nColBase,
                      obPlanes.pfY + obGrid.nRowBase * nStride + obGrid.nColBase, nStride, pfnMapping, obInputOffset,
-                     obGrid.fLeft, obGrid.fTop, fThreshold);
+                     obGrid.fLeft, obGrid.fTop, fThreshold, pobNoSource);
   // 1. The lattice crossings.
   for (int j : anRows) {
     for (int k : anColumns) {

@@ -56,6 +56,20 @@ public:
   // The value of a table element without a source: NaN with every byte 0xFF, as in a fresh table.
   static float NoSource();
 
+  // What a builder may know about its functor that the lattice cannot see: pfnTest(pContext,
+  // fLeft, fTop, fRight, fBottom) is true only if the functor gives no source (a value that is not
+  // a coordinate) at every point (x, y) with fLeft <= x <= fRight and fTop <= y <= fBottom, the
+  // points as the lattice hands them to the functor. It is asked about a cell larger than the
+  // lattice leaves empty on the evidence of its corners and middle alone, once those have no
+  // source: a true answer leaves the whole cell without a source at once instead of halving it
+  // down to small cells, each of which would be found empty by its own corners and middle. A
+  // false answer ("may have a source") costs nothing but that refinement, so the test may be
+  // conservative; it must never be true for a cell with a point that has a source.
+  struct NoSourceTest {
+    bool (*pfnTest)(const void* pContext, float fLeft, float fTop, float fRight, float fBottom);
+    const void* pContext;
+  };
+
 protected:
   // The float tables of a map, row-major, element (x, y) at y * nWidth + x.
   struct MapPlanes {
@@ -89,6 +103,13 @@ protected:
   // The crop rectangle of obCrop centred on obOutputResolution, clipped to the map.
   static CropGrid GetCropGrid(const Resolution& obOutputResolution, const Resolution& obCrop,
                               const MapPlanes& obPlanes);
+  // Lattice lines over nCount crop pixels: ascending crop indices, the first 0, the last nCount - 1.
+  typedef std::vector<int> (*LatticeRule)(int nCount);
+  // A map of the output size built by BuildLattice on the lines fnLines draws across and down the
+  // crop; its tables are filled first only when the crop leaves part of them unwritten.
+  static ImageMap* BuildOnLattice(const Resolution& obInputResolution, const Resolution& obOutputResolution,
+                                  MapFunctor& pfnMapping, const Resolution& obCrop, LatticeRule fnLines,
+                                  float fThreshold);
   // Lattice interpolation shared by the grid builders: the functor is evaluated at every
   // crossing of the lattice columns anColumns and rows anRows (crop indices, ascending, first 0
   // and last nCols - 1 / nRows - 1); every cell between neighbouring lines is then filled by
@@ -98,17 +119,13 @@ protected:
   // when its interpolated middle is within fThreshold source pixels of it, left without a
   // source when its corners and middle have none, and otherwise halved and examined again,
   // down to cells of 2 x 2 steps, which are evaluated pixel by pixel. Every element of the crop
-  // is written.
-  // Lattice lines over nCount crop pixels: ascending crop indices, the first 0, the last nCount - 1.
-  typedef std::vector<int> (*LatticeRule)(int nCount);
-  // A map of the output size built by BuildLattice on the lines fnLines draws across and down the
-  // crop; its tables are filled first only when the crop leaves part of them unwritten.
-  static ImageMap* BuildOnLattice(const Resolution& obInputResolution, const Resolution& obOutputResolution,
-                                  MapFunctor& pfnMapping, const Resolution& obCrop, LatticeRule fnLines,
-                                  float fThreshold);
+  // is written. With a pobNoSource test (and a finite fThreshold) a larger cell whose corners
+  // and middle have no source is left without a source at once when the test says so; the map
+  // is the same, element for element and bit for bit, as without the test.
   static void BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid, MapFunctor& pfnMapping,
                            const Vector2d& obInputOffset, const std::vector<int>& anColumns,
-                           const std::vector<int>& anRows, float fThreshold);
+                           const std::vector<int>& anRows, float fThreshold,
+                           const NoSourceTest* pobNoSource = nullptr);
 };
 
 }  // namespace libdewarp
