@@ -45,6 +45,30 @@ public:
     return Vector2d(obItem.X - obOffset.X, obItem.Y - obOffset.Y);
   }
 
+  // Whether every element that Read can be asked for at columns fLeft ... fRight and rows
+  // fTop ... fBottom (whole numbers, fLeft <= fRight, fTop <= fBottom) reads with a coordinate
+  // that is not a number. The part of the rectangle outside the map reads as the invalid vector
+  // anyway; inside, the elements are scanned in the tables, so the answer is false for a map that
+  // Read would read through GetMapItem.
+  bool NoSourceIn(double fLeft, double fTop, double fRight, double fBottom) const {
+    fLeft = std::max(fLeft, 0.0);
+    fTop = std::max(fTop, 0.0);
+    fRight = std::min(fRight, static_cast<double>(m_fCols) - 1.0);
+    fBottom = std::min(fBottom, static_cast<double>(m_fRows) - 1.0);
+    if (fLeft > fRight || fTop > fBottom) return true;
+    const std::size_t nLeft = static_cast<std::size_t>(fLeft), nRight = static_cast<std::size_t>(fRight);
+    const std::size_t nTop = static_cast<std::size_t>(fTop), nBottom = static_cast<std::size_t>(fBottom);
+    if (!m_bDirect || !(nBottom * m_nCols + nRight < m_nCount)) return false;
+    for (std::size_t y = nTop; y <= nBottom; ++y) {
+      const float* const pfRowX = m_pfX + y * m_nCols;
+      const float* const pfRowY = m_pfY + y * m_nCols;
+      for (std::size_t x = nLeft; x <= nRight; ++x) {
+        if (!std::isnan(pfRowX[x]) && !std::isnan(pfRowY[x])) return false;
+      }
+    }
+    return true;
+  }
+
 private:
   const ImageMap& m_obMap;
   const float* m_pfX;
@@ -55,6 +79,13 @@ private:
   DEWARP_FLOAT m_fRows;
   bool m_bDirect;
 };
+
+// A point zoomed by fZoom about obCentre. For a positive zoom every step of it (a subtraction, a
+// division, an addition, each rounded to float) is non-decreasing in the point, so the zoomed
+// points of a rectangle lie within the zoomed rectangle's corners.
+inline Vector2d ZoomAbout(const Vector2d& obPoint, const Vector2d& obCentre, DEWARP_FLOAT fZoom) {
+  return Vector2d((obPoint.X - obCentre.X) / fZoom + obCentre.X, (obPoint.Y - obCentre.Y) / fZoom + obCentre.Y);
+}
 
 }  // namespace
 
@@ -109,8 +140,7 @@ void PtzFunctor::Set(const PtzPosition& obPosition, DEWARP_FLOAT fFocalLength, c
 }
 
 Vector2d PtzFunctor::Zoom(const Vector2d& obPoint, DEWARP_FLOAT fZoom) const {
-  const Vector2d z((obPoint.X - m_obOutputOffset.X) / fZoom + m_obOutputOffset.X,
-                   (obPoint.Y - m_obOutputOffset.Y) / fZoom + m_obOutputOffset.Y);
+  const Vector2d z = ZoomAbout(obPoint, m_obOutputOffset, fZoom);
   if (!m_pobImageMap) return z;
 
   const DEWARP_FLOAT x0 = FloatingPoint::floor(z.X);
@@ -131,6 +161,22 @@ Vector2d PtzFunctor::Zoom(const Vector2d& obPoint, DEWARP_FLOAT fZoom) const {
   const DEWARP_FLOAT w11 = fx * fy;
   return Vector2d(w00 * c00.X + w10 * c10.X + w01 * c01.X + w11 * c11.X,
                   w00 * c00.Y + w10 * c10.Y + w01 * c01.Y + w11 * c11.Y);
+}
+
+// Zoom blends the four elements around the zoomed point, whose columns are floor and ceiling of
+// its x and rows floor and ceiling of its y; an element outside the map, or with a coordinate
+// that is not a number, makes that coordinate of the blend NaN whatever its weight (0 * NaN is
+// NaN). So when every element within the zoomed rectangle, widened to whole elements, has such a
+// coordinate, so has every sample of the rectangle. The rectangle is widened by one more element
+// each way as a margin against any rounding of the zoomed corners.
+bool PtzFunctor::ZoomFindsNoSource(const Vector2d& obLow, const Vector2d& obHigh, DEWARP_FLOAT fZoom) const {
+  if (!m_pobImageMap || !(fZoom > 0.0f)) return false;
+  const Vector2d zLow = ZoomAbout(obLow, m_obOutputOffset, fZoom);
+  const Vector2d zHigh = ZoomAbout(obHigh, m_obOutputOffset, fZoom);
+  if (!zLow.Valid() || !zHigh.Valid() || !(zLow.X <= zHigh.X) || !(zLow.Y <= zHigh.Y)) return false;
+  const CornerReader obMap(*m_pobImageMap);
+  return obMap.NoSourceIn(std::floor(static_cast<double>(zLow.X)) - 1.0, std::floor(static_cast<double>(zLow.Y)) - 1.0,
+                          std::ceil(static_cast<double>(zHigh.X)) + 1.0, std::ceil(static_cast<double>(zHigh.Y)) + 1.0);
 }
 
 Vector2d PtzFunctor::SphericalPerspective(const Vector2d& obPoint, DEWARP_FLOAT fFocalLength,

@@ -36,5 +36,16 @@ Vector2d SphericalPtzFunctor::Call(const Vector2d& obPoint) {
   return SphericalPerspective(z, m_fFocalLength, m_obRotation);
 }
 
+// The move by the output offset is non-decreasing in the point, so the moved rectangle holds
+// every moved point. A lookup with a NaN coordinate stays NaN through the rotation: the radius
+// (hypot of NaN and a finite value is NaN, of NaN and an infinite one infinite) is NaN or
+// infinite, so the angle from the axis, wrapped into one turn, is NaN, and so are its sine and
+// cosine, the rotated ray and both coordinates of the result. That result has no source.
+bool SphericalPtzFunctor::NoSourceWithin(const Vector2d& obLow, const Vector2d& obHigh) const {
+  const Vector2d pLow(obLow.X + m_obOutputOffset.X, obLow.Y + m_obOutputOffset.Y);
+  const Vector2d pHigh(obHigh.X + m_obOutputOffset.X, obHigh.Y + m_obOutputOffset.Y);
+  return ZoomFindsNoSource(pLow, pHigh, m_fZoom);
+}
+
 }  // namespace libdewarp
 }  // namespace vemo

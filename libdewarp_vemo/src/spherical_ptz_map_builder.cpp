@@ -50,6 +50,12 @@ std::vector<int> PaneLines(int nCount) {
   return anLines;
 }
 
+// See SphericalPtzMapBuilder::PaneNoSourceTest.
+bool PaneHasNoSource(const void* pContext, float fLeft, float fTop, float fRight, float fBottom) {
+  return static_cast<const SphericalPtzFunctor*>(pContext)->NoSourceWithin(Vector2d(fLeft, fTop),
+                                                                          Vector2d(fRight, fBottom));
+}
+
 }  // namespace
 
 // Panes are built on a coarse lattice: the functor at every 16th pixel of every 16th row (and
@@ -65,14 +71,14 @@ ImageMap* SphericalPtzMapBuilder::BuildImageMap(const Resolution& obInputResolut
   return BuildOnLattice(obInputResolution, obOutputResolution, pfnMapping, obCrop, PaneLines, kPaneThreshold);
 }
 
-// One virtual camera over the whole base map.
+// One virtual camera over the whole base map: one pane of the map's size (the same lattice as
+// the functor form over that size builds, with the base map's no-source test).
 ImageMap* SphericalPtzMapBuilder::BuildImageMap(const ImageMap& obImageMap, const PtzPosition& obPtzPos,
                                                 float fFocalLength) {
-  const Resolution obInputResolution(obImageMap.GetInputSize());
   const Resolution obOutputResolution(obImageMap.GetMapSize());
-  SphericalPtzFunctor obFunctor(obPtzPos, fFocalLength, obImageMap);
-  // Through the virtual operation, so the sparse builder of the base class builds the map.
-  return BuildImageMap(obInputResolution, obOutputResolution, obFunctor, obOutputResolution);
+  std::unique_ptr<ImageMap> pobResult(NewPanedImageMap(obImageMap, obOutputResolution, obOutputResolution));
+  BuildPane(*pobResult, obImageMap, obPtzPos, fFocalLength, obOutputResolution, Vector2d(0.0f, 0.0f));
+  return pobResult.release();
 }
 
 // Two panes stacked: pane 1 on top, pane 2 below, each the full width and half the height.
@@ -112,14 +118,30 @@ ImageMap* SphericalPtzMapBuilder::NewPanedImageMap(const ImageMap& obImageMap, c
   return bCovered ? NewUnfilledImageMap(obInput, obOutput) : NewImageMap(obInput, obOutput);
 }
 
-// The pane is built in place: its crop rectangle is the pane, centred on the pane for the
-// functor and stored from obOffset in the result (the same values a separate pane map copied
-// element by element would give).
+// Parts of a base map without a source (the bands above and below a panorama that fills only
+// part of it, the corners outside the fisheye's circle) would otherwise be halved down to cells
+// of a few pixels, each found empty by its own corners and middle: with the test, the cells
+// over them are found empty at the size of the lattice, by a scan of the base map.
 void SphericalPtzMapBuilder::BuildPane(ImageMap& obResult, const ImageMap& obImageMap, const PtzPosition& obPtzPos,
                                        float fFocalLength, const Resolution& obPaneResolution,
                                        const Vector2d& obOffset) {
-  const Resolution obInputResolution(obImageMap.GetInputSize());
   SphericalPtzFunctor obFunctor(obPtzPos, fFocalLength, obImageMap);
+  const NoSourceTest obNoSource = PaneNoSourceTest(obFunctor);
+  BuildPaneLattice(obResult, obFunctor, &obNoSource, Resolution(obImageMap.GetInputSize()), obPaneResolution,
+                   obOffset);
+}
+
+MapBuilder::NoSourceTest SphericalPtzMapBuilder::PaneNoSourceTest(const SphericalPtzFunctor& obFunctor) {
+  const NoSourceTest obTest = {PaneHasNoSource, &obFunctor};
+  return obTest;
+}
+
+// The pane is built in place: its crop rectangle is the pane, centred on the pane for the
+// functor and stored from obOffset in the result (the same values a separate pane map copied
+// element by element would give).
+void SphericalPtzMapBuilder::BuildPaneLattice(ImageMap& obResult, MapFunctor& pfnMapping,
+                                              const NoSourceTest* pobNoSource, const Resolution& obInputResolution,
+                                              const Resolution& obPaneResolution, const Vector2d& obOffset) {
   const MapPlanes obPlanes = GetPlanes(obResult);
   MapPlanes obPanePlanes = obPlanes;
   const int nOffsetX = static_cast<int>(obOffset.X);
@@ -132,8 +154,8 @@ void SphericalPtzMapBuilder::BuildPane(ImageMap& obResult, const ImageMap& obIma
   obGrid.nCols = std::min(obGrid.nCols, obPlanes.nWidth - nOffsetX - obGrid.nColBase);
   obGrid.nRows = std::min(obGrid.nRows, obPlanes.nHeight - nOffsetY - obGrid.nRowBase);
   if (obGrid.nCols <= 0 || obGrid.nRows <= 0) return;
-  BuildLattice(obPanePlanes, obGrid, obFunctor, obInputResolution.Centre(), PaneLines(obGrid.nCols),
-               PaneLines(obGrid.nRows), kPaneThreshold);
+  BuildLattice(obPanePlanes, obGrid, pfnMapping, obInputResolution.Centre(), PaneLines(obGrid.nCols),
+               PaneLines(obGrid.nRows), kPaneThreshold, pobNoSource);
 }
 
 }  // namespace libdewarp

@@ -37,6 +37,13 @@ public:
   // Zooms a point about the output centre and, with a map attached, samples the map there
   // (bilinear over the four surrounding elements); the sample is relative to the input centre.
   Vector2d Zoom(const Vector2d& obPoint, DEWARP_FLOAT fZoom) const;
+  // Whether Zoom, with a map attached, gives a sample with a coordinate that is not a number
+  // for every point of the rectangle from obLow to obHigh (corners included): true only when
+  // every element of the map that those lookups can read has a coordinate that is not a number
+  // (elements outside the map read as no source). It scans the elements under the zoomed
+  // rectangle; false (may have a source) for a positive zoom it cannot vouch for, a map whose
+  // tables are not read directly, or a rectangle that does not zoom to finite points.
+  bool ZoomFindsNoSource(const Vector2d& obLow, const Vector2d& obHigh, DEWARP_FLOAT fZoom) const;
 
   const RotationMatrix3d& GetRotation() const { return m_obRotation; }
   DEWARP_FLOAT GetZoom() const { return m_fZoom; }

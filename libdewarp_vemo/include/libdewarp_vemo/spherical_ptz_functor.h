@@ -17,6 +17,12 @@ public:
   virtual ~SphericalPtzFunctor();
 
   Vector2d Call(const Vector2d& obPoint) override;
+
+  // Whether Call gives no source (NaN) for every point (x, y) with obLow.X <= x <= obHigh.X and
+  // obLow.Y <= y <= obHigh.Y, judged from the elements of the attached map that the lookups can
+  // read (see ZoomFindsNoSource): the rotation on the sphere turns a lookup with a coordinate
+  // that is not a number into (NaN, NaN). False when that cannot be told.
+  bool NoSourceWithin(const Vector2d& obLow, const Vector2d& obHigh) const;
 };
 
 }  // namespace libdewarp

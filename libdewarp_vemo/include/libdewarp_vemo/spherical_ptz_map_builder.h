@@ -14,6 +14,7 @@ namespace libdewarp {
 
 class ImageMap;
 class PtzPosition;
+class SphericalPtzFunctor;
 
 class SphericalPtzMapBuilder : public SparseMapBuilder {
 public:
@@ -32,6 +33,17 @@ public:
   virtual ImageMap* BuildImageMap(const ImageMap& obImageMap, const PtzPosition& obPtzPos1,
                                   const PtzPosition& obPtzPos2, const PtzPosition& obPtzPos3,
                                   const PtzPosition& obPtzPos4, float fFocalLength);
+
+protected:
+  // The no-source test of a pane's lattice: a cell is left without a source at once when every
+  // element of the base map that obFunctor's lookups can read for it has none (see
+  // SphericalPtzFunctor::NoSourceWithin). obFunctor must outlive the test.
+  static NoSourceTest PaneNoSourceTest(const SphericalPtzFunctor& obFunctor);
+  // The lattice of one pane of obPaneResolution, built into obResult from obOffset, with the pane's
+  // points centred on the pane for the functor; pobNoSource may be null.
+  static void BuildPaneLattice(ImageMap& obResult, MapFunctor& pfnMapping, const NoSourceTest* pobNoSource,
+                               const Resolution& obInputResolution, const Resolution& obPaneResolution,
+                               const Vector2d& obOffset);
 
 private:
   static ImageMap* NewPanedImageMap(const ImageMap& obImageMap, const Resolution& obPane,
