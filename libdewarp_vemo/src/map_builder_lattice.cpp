@@ -122,8 +122,10 @@ public:
     m_pfY[j * m_nStride + k] = obSource.Y + m_obInputOffset.Y;
   }
 
-  // Decides how a cell of the lattice is filled; the parts of a refined cell are listed.
-  CellFill Classify(const LatticeCell& obCell) {
+  // Decides how a cell of the lattice is filled; the parts of a refined cell are listed. Kept out
+  // of line (one call per lattice cell): inlined into BuildLattice, the classification crowds the
+  // registers of the fill loops there, which then spend more instructions on every row of a cell.
+  __attribute__((noinline)) CellFill Classify(const LatticeCell& obCell) {
     const CellFill eFill = ClassifyOne(obCell);
     if (eFill != FILL_REFINED) {
       return eFill;
@@ -225,8 +227,7 @@ private:
   // Whether the no-source test vouches for every point of the cell, corners included; the
   // corner points are formed as Evaluate forms them.
   bool NoSourceVouched(const LatticeCell& obCell) const {
-    return m_pobNoSource &&
-           m_pobNoSource->pfnTest(m_pobNoSource->pContext, m_fLeft + static_cast<float>(obCell.nLeft),
+    return m_pobNoSource->pfnTest(m_pobNoSource->pContext, m_fLeft + static_cast<float>(obCell.nLeft),
                                   m_fTop + static_cast<float>(obCell.nTop), m_fLeft + static_cast<float>(obCell.nRight),
                                   m_fTop + static_cast<float>(obCell.nBottom));
   }
@@ -264,7 +265,7 @@ private:
       bMiddleKnown = true;
       const Vector2d obMiddle = Value(nMidColumn, nMidRow);
       if (nValid == 0 && !obMiddle.Valid() &&
-          ((nWidth <= kNoSourceSteps && nHeight <= kNoSourceSteps) || NoSourceVouched(obCell))) {
+          ((nWidth <= kNoSourceSteps && nHeight <= kNoSourceSteps) || (m_pobNoSource && NoSourceVouched(obCell)))) {
         return FILL_NO_SOURCE;
       }
       if (nValid == 4 && obMiddle.Valid()) {
