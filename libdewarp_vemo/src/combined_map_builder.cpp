@@ -207,12 +207,54 @@ inline Quad GatherCorners(const float* pfTable, const int (&anCorners)[4][4], bo
   return obCorners;
 }
 
+// Whether the four lanes sample whole, consecutive columns x0 to x0 + 3 of one pair of rows (a
+// shift/scale map with unit horizontal scale and a whole shift holds nothing else): their
+// corners are then four consecutive elements of each of the two rows, the right corners the left
+// ones, and are read as two vectors.
+inline bool IsRun(__m128i viLeft, __m128i viRight, __m128i viTop, __m128i viBottom) {
+  const __m128i viRun = _mm_add_epi32(_mm_shuffle_epi32(viLeft, 0), _mm_setr_epi32(0, 1, 2, 3));
+  const __m128i viSame = _mm_and_si128(
+      _mm_and_si128(_mm_cmpeq_epi32(viLeft, viRun), _mm_cmpeq_epi32(viRight, viLeft)),
+      _mm_and_si128(_mm_cmpeq_epi32(viTop, _mm_shuffle_epi32(viTop, 0)),
+                    _mm_cmpeq_epi32(viBottom, _mm_shuffle_epi32(viBottom, 0))));
+  return _mm_movemask_epi8(viSame) == 0xFFFF;
+}
+
+// The corners of a run of four lanes (see IsRun) starting at the elements nTop and nBottom.
+inline Quad RunCorners(const float* pfTable, int nTop, int nBottom) {
+  Quad obCorners;
+  obCorners.vTopLeft = _mm_loadu_ps(pfTable + nTop);
+  obCorners.vTopRight = obCorners.vTopLeft;
+  obCorners.vBottomLeft = _mm_loadu_ps(pfTable + nBottom);
+  obCorners.vBottomRight = obCorners.vBottomLeft;
+  return obCorners;
+}
+
 // tl * a + tr * b + bl * c + br * d, summed from the left as ComposeElement sums.
 inline __m128 Blend(const Quad& obWeights, const Quad& obCorners) {
   return _mm_add_ps(_mm_add_ps(_mm_add_ps(_mm_mul_ps(obWeights.vTopLeft, obCorners.vTopLeft),
                                           _mm_mul_ps(obWeights.vTopRight, obCorners.vTopRight)),
                                _mm_mul_ps(obWeights.vBottomLeft, obCorners.vBottomLeft)),
                     _mm_mul_ps(obWeights.vBottomRight, obCorners.vBottomRight));
+}
+
+// The blends of four lanes whose corners are read element by element (or in pairs).
+inline void ComposeGathered(__m128 vX, __m128 vLeft, __m128i viLeft, __m128i viRight, __m128i viTop, __m128i viBottom,
+                            const Quad& obWeights, const SecondMap& obSecond, __m128& vResultX, __m128& vResultY) {
+  const __m128i viWidth = _mm_set1_epi32(obSecond.nWidth);
+  const __m128i viTopRow = RowStarts(viTop, viWidth);
+  const __m128i viBottomRow = RowStarts(viBottom, viWidth);
+  alignas(16) int anCorners[4][4];
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[0]), _mm_add_epi32(viTopRow, viLeft));
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[1]), _mm_add_epi32(viTopRow, viRight));
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[2]), _mm_add_epi32(viBottomRow, viLeft));
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[3]), _mm_add_epi32(viBottomRow, viRight));
+  // Only a left corner in the last column has no element after it in its row.
+  const __m128i viLastColumn = _mm_set1_epi32(obSecond.nWidth - 1);
+  const bool bPairs = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(viLeft, viLastColumn))) == 0xF;
+  const __m128 vAbove = _mm_cmpgt_ps(vX, vLeft);
+  vResultX = Blend(obWeights, GatherCorners(obSecond.pfX, anCorners, bPairs, vAbove));
+  vResultY = Blend(obWeights, GatherCorners(obSecond.pfY, anCorners, bPairs, vAbove));
 }
 
 // Elements X to X + 3 of a composed row with SSE2: per lane the operations of ComposeElement in
@@ -247,22 +289,17 @@ inline bool ComposeQuad(const float* pfFirstX, const float* pfFirstY, const Seco
   obWeights.vBottomLeft = _mm_mul_ps(_mm_sub_ps(vOne, vFractionX), vFractionY);
   obWeights.vBottomRight = _mm_mul_ps(vFractionX, vFractionY);
 
-  // Indices of the corners in the tables, row * stored width + column, as the scalar int
-  // arithmetic gives them.
-  const __m128i viWidth = _mm_set1_epi32(obSecond.nWidth);
-  const __m128i viTopRow = RowStarts(viTop, viWidth);
-  const __m128i viBottomRow = RowStarts(viBottom, viWidth);
-  alignas(16) int anCorners[4][4];
-  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[0]), _mm_add_epi32(viTopRow, viLeft));
-  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[1]), _mm_add_epi32(viTopRow, viRight));
-  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[2]), _mm_add_epi32(viBottomRow, viLeft));
-  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[3]), _mm_add_epi32(viBottomRow, viRight));
-  // Only a left corner in the last column has no element after it in its row.
-  const __m128i viLastColumn = _mm_set1_epi32(obSecond.nWidth - 1);
-  const bool bPairs = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(viLeft, viLastColumn))) == 0xF;
-  const __m128 vAbove = _mm_cmpgt_ps(vX, vLeft);
-  const __m128 vResultX = Blend(obWeights, GatherCorners(obSecond.pfX, anCorners, bPairs, vAbove));
-  const __m128 vResultY = Blend(obWeights, GatherCorners(obSecond.pfY, anCorners, bPairs, vAbove));
+  // The corners are read at row * stored width + column, as the scalar int arithmetic reads them.
+  __m128 vResultX, vResultY;
+  if (IsRun(viLeft, viRight, viTop, viBottom)) {
+    const int nLeft = _mm_cvtsi128_si32(viLeft);
+    const int nTop = _mm_cvtsi128_si32(viTop) * obSecond.nWidth + nLeft;
+    const int nBottom = _mm_cvtsi128_si32(viBottom) * obSecond.nWidth + nLeft;
+    vResultX = Blend(obWeights, RunCorners(obSecond.pfX, nTop, nBottom));
+    vResultY = Blend(obWeights, RunCorners(obSecond.pfY, nTop, nBottom));
+  } else {
+    ComposeGathered(vX, vLeft, viLeft, viRight, viTop, viBottom, obWeights, obSecond, vResultX, vResultY);
+  }
   if (_mm_movemask_ps(_mm_cmpunord_ps(vResultX, vResultY)) != 0) {
     return false;
   }
