@@ -78,6 +78,20 @@ private:
   float m_xLimit;
 };
 
+// Forwards to another functor and counts the calls.
+class CountingFunctor : public MapFunctor {
+public:
+  explicit CountingFunctor(MapFunctor& inner) : m_inner(inner) {}
+  virtual Vector2d Call(const Vector2d& p) {
+    ++calls;
+    return m_inner(p);
+  }
+  long calls = 0;
+
+private:
+  MapFunctor& m_inner;
+};
+
 // Throws on the n-th call.
 class ThrowingFunctor : public MapFunctor {
 public:

@@ -211,6 +211,42 @@ std::unique_ptr<ImageMap> MakeFirst(std::mt19937& g, int nCols, const SecondCase
   return first;
 }
 
+// Every element of the composition of `first` over `second` against the bilinear rule, bit for
+// bit; with bNanMeetsNan a NaN result only needs a NaN expected (which of two NaN corners of any
+// payload a blend passes on is the composition's own choice, see below). Counts the elements
+// compared and those with a source.
+void ExpectTheBilinearRule(const ImageMap& first, const ImageMap& second, bool bNanMeetsNan, std::size_t& nSourced,
+                           std::size_t& nTotal) {
+  std::unique_ptr<ImageMap> result(CombinedMapBuilder().BuildImageMap(first, second));
+  const int nCount = static_cast<int>(first.GetMapWidth() * first.GetMapHeight());
+  ASSERT_EQ(first.GetMapWidth(), result->GetMapWidth());
+  ASSERT_EQ(first.GetMapHeight(), result->GetMapHeight());
+  const float* pfFirstX = first.GetMapX().GetTypePtr<float>();
+  const float* pfFirstY = first.GetMapY().GetTypePtr<float>();
+  const float* pfResultX = result->GetMapX().GetTypePtr<float>();
+  const float* pfResultY = result->GetMapY().GetTypePtr<float>();
+  for (int i = 0; i < nCount; ++i) {
+    float fExpectedX, fExpectedY;
+    Reference(pfFirstX[i], pfFirstY[i], second, fExpectedX, fExpectedY);
+    const bool bNanX = bNanMeetsNan && std::isnan(fExpectedX) && std::isnan(pfResultX[i]);
+    const bool bNanY = bNanMeetsNan && std::isnan(fExpectedY) && std::isnan(pfResultY[i]);
+    if (!bNanX) {
+      ASSERT_EQ(0, std::memcmp(&fExpectedX, pfResultX + i, sizeof(float)))
+          << "x of element " << i << " of " << first.GetMapWidth() << " x " << first.GetMapHeight() << " over "
+          << second.GetMapWidth() << " x " << second.GetMapHeight() << ", position (" << pfFirstX[i] << ", "
+          << pfFirstY[i] << "): " << fExpectedX << " expected, " << pfResultX[i] << " given";
+    }
+    if (!bNanY) {
+      ASSERT_EQ(0, std::memcmp(&fExpectedY, pfResultY + i, sizeof(float)))
+          << "y of element " << i << " of " << first.GetMapWidth() << " x " << first.GetMapHeight() << " over "
+          << second.GetMapWidth() << " x " << second.GetMapHeight() << ", position (" << pfFirstX[i] << ", "
+          << pfFirstY[i] << "): " << fExpectedY << " expected, " << pfResultY[i] << " given";
+    }
+    nSourced += std::isnan(pfResultX[i]) ? 0 : 1;
+    ++nTotal;
+  }
+}
+
 TEST(CombinedMapRows, EveryElementFollowsTheBilinearRuleBitForBit) {
   std::mt19937 g(20240611u);
   std::size_t nSourced = 0, nTotal = 0;
@@ -218,27 +254,8 @@ TEST(CombinedMapRows, EveryElementFollowsTheBilinearRuleBitForBit) {
     std::unique_ptr<ImageMap> second(MakeSecond(c, g, false));
     for (int nCols : RowLengths()) {
       std::unique_ptr<ImageMap> first(MakeFirst(g, nCols, c));
-      std::unique_ptr<ImageMap> result(CombinedMapBuilder().BuildImageMap(*first, *second));
-      ASSERT_EQ(static_cast<unsigned>(nCols), result->GetMapWidth());
-      ASSERT_EQ(static_cast<unsigned>(kRows), result->GetMapHeight());
-      const float* pfFirstX = first->GetMapX().GetTypePtr<float>();
-      const float* pfFirstY = first->GetMapY().GetTypePtr<float>();
-      const float* pfResultX = result->GetMapX().GetTypePtr<float>();
-      const float* pfResultY = result->GetMapY().GetTypePtr<float>();
-      for (int i = 0; i < nCols * kRows; ++i) {
-        float fExpectedX, fExpectedY;
-        Reference(pfFirstX[i], pfFirstY[i], *second, fExpectedX, fExpectedY);
-        ASSERT_EQ(0, std::memcmp(&fExpectedX, pfResultX + i, sizeof(float)))
-            << "x of element " << i << " of " << nCols << " x " << kRows << " over " << c.nWidth << " x "
-            << c.nHeight << " (y table " << c.nYWidth << " x " << c.nYHeight << "), position (" << pfFirstX[i]
-            << ", " << pfFirstY[i] << "): " << fExpectedX << " expected, " << pfResultX[i] << " given";
-        ASSERT_EQ(0, std::memcmp(&fExpectedY, pfResultY + i, sizeof(float)))
-            << "y of element " << i << " of " << nCols << " x " << kRows << " over " << c.nWidth << " x "
-            << c.nHeight << " (y table " << c.nYWidth << " x " << c.nYHeight << "), position (" << pfFirstX[i]
-            << ", " << pfFirstY[i] << "): " << fExpectedY << " expected, " << pfResultY[i] << " given";
-        nSourced += std::isnan(pfResultX[i]) ? 0 : 1;
-        ++nTotal;
-      }
+      ExpectTheBilinearRule(*first, *second, false, nSourced, nTotal);
+      if (HasFatalFailure()) return;
     }
   }
   // Most positions are drawn inside: a comparison of unsourced elements alone would prove little.
@@ -346,31 +363,8 @@ TEST(CombinedMapRows, RunsOfWholeColumnsFollowTheBilinearRuleBitForBit) {
         for (int nRepeat = 0; nRepeat < 4; ++nRepeat) {
           std::unique_ptr<ImageMap> first(MakeRuns(g, nCols, c));
           nRuns += static_cast<std::size_t>(InsideRuns(*first, c));
-          std::unique_ptr<ImageMap> result(CombinedMapBuilder().BuildImageMap(*first, *second));
-          const float* pfFirstX = first->GetMapX().GetTypePtr<float>();
-          const float* pfFirstY = first->GetMapY().GetTypePtr<float>();
-          const float* pfResultX = result->GetMapX().GetTypePtr<float>();
-          const float* pfResultY = result->GetMapY().GetTypePtr<float>();
-          for (int i = 0; i < nCols * kRows; ++i) {
-            float fExpectedX, fExpectedY;
-            Reference(pfFirstX[i], pfFirstY[i], *second, fExpectedX, fExpectedY);
-            // With NaNs of any payload, which of two NaN corners a blend passes on is the
-            // composition's own choice (see below): there NaN must meet NaN.
-            const bool bNanX = bAnyNan && std::isnan(fExpectedX) && std::isnan(pfResultX[i]);
-            const bool bNanY = bAnyNan && std::isnan(fExpectedY) && std::isnan(pfResultY[i]);
-            if (!bNanX) {
-              ASSERT_EQ(0, std::memcmp(&fExpectedX, pfResultX + i, sizeof(float)))
-                  << "x of element " << i << " of " << nCols << " over " << c.nWidth << " x " << c.nHeight
-                  << ", position (" << pfFirstX[i] << ", " << pfFirstY[i] << ")";
-            }
-            if (!bNanY) {
-              ASSERT_EQ(0, std::memcmp(&fExpectedY, pfResultY + i, sizeof(float)))
-                  << "y of element " << i << " of " << nCols << " over " << c.nWidth << " x " << c.nHeight
-                  << ", position (" << pfFirstX[i] << ", " << pfFirstY[i] << ")";
-            }
-            nSourced += std::isnan(pfResultX[i]) ? 0 : 1;
-            ++nTotal;
-          }
+          ExpectTheBilinearRule(*first, *second, bAnyNan, nSourced, nTotal);
+          if (HasFatalFailure()) return;
         }
       }
     }

@@ -25,6 +25,8 @@ namespace vemo {
 namespace libdewarp {
 namespace {
 
+using ::vemo::test::CountingFunctor;
+
 using test::AffineFunctor;
 using test::IsNan;
 using test::MapX;
@@ -354,20 +356,6 @@ TEST(SparseQuadrantMapBuilder, CellsWithinTheThresholdAreInterpolated) {
 class BandBuilder : public SparseQuadrantMapBuilder {
 public:
   using SparseQuadrantMapBuilder::BuildRowBand;
-};
-
-// Counts the calls of another functor.
-class CountingFunctor : public MapFunctor {
-public:
-  explicit CountingFunctor(MapFunctor& inner) : m_inner(inner) {}
-  virtual Vector2d Call(const Vector2d& p) {
-    ++calls;
-    return m_inner(p);
-  }
-  long calls = 0;
-
-private:
-  MapFunctor& m_inner;
 };
 
 // Another functor's values inside a circle of the source (relative to the source centre, as

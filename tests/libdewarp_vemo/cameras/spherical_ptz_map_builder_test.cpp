@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../builders/builders_test_support.h"
+
 #include <libdewarp_vemo/image_map.h>
 #include <libdewarp_vemo/ptz_position.h>
 #include <libdewarp_vemo/resolution.h>
@@ -22,6 +24,8 @@ using cameras_test::AffineMap;
 using cameras_test::SameElements;
 
 namespace {
+
+using ::vemo::test::CountingFunctor;
 
 const float kFocal = 150.0f;
 
@@ -42,20 +46,6 @@ std::unique_ptr<ImageMap> DirectPane(const ImageMap& base, const PtzPosition& po
   MapBuilder& paneBuilder = builder;
   return std::unique_ptr<ImageMap>(paneBuilder.BuildImageMap(Resolution(base.GetInputSize()), pane, functor, pane));
 }
-
-// Forwards to a functor and counts the calls.
-class CountingFunctor : public MapFunctor {
-public:
-  explicit CountingFunctor(MapFunctor& inner) : m_inner(inner) {}
-  Vector2d Call(const Vector2d& point) override {
-    ++calls;
-    return m_inner(point);
-  }
-  long calls = 0;
-
-private:
-  MapFunctor& m_inner;
-};
 
 // A fisheye camera of 968 x 968 pixels over 183 degrees, wall mounted, and the rectilinear
 // projection map of its natural size: the kind of base map a PTZ view is cut out of.

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../builders/builders_test_support.h"
+
 #include <libdewarp_vemo/fisheye_camera.h>
 #include <libdewarp_vemo/image_map.h>
 #include <libdewarp_vemo/projection.h>
@@ -21,6 +23,8 @@ using namespace vemo::libdewarp;
 using cameras_test::SameElements;
 
 namespace {
+
+using ::vemo::test::CountingFunctor;
 
 const float kFocal = 300.0f;
 const Vector2d kSource(1936.0f, 1936.0f);
@@ -93,20 +97,6 @@ std::unique_ptr<ImageMap> IslandBase(int cols, int rows, std::uint32_t seed) {
   }
   return map;
 }
-
-// Forwards to a functor and counts the calls.
-class CountingFunctor : public MapFunctor {
-public:
-  explicit CountingFunctor(MapFunctor& inner) : m_inner(inner) {}
-  Vector2d Call(const Vector2d& point) override {
-    ++calls;
-    return m_inner(point);
-  }
-  long calls = 0;
-
-private:
-  MapFunctor& m_inner;
-};
 
 // The pane lattice of the builder, with or without the base map's no-source test.
 class PaneLattice : public SphericalPtzMapBuilder {
