@@ -3,6 +3,8 @@
 
 #include <libdewarp_vemo/image_map.h>
 #include <libdewarp_vemo/map_functor.h>
+#include <libdewarp_vemo/projection.h>
+#include <libdewarp_vemo/trigonometry.h>
 #include <libdewarp_vemo/vector_2d.h>
 
 #include <cmath>
@@ -13,6 +15,15 @@
 
 namespace vemo {
 namespace test {
+
+// The built-in camera's lens: a 1936 x 1936 picture over 183 degrees, and its focal length in
+// pixels per radian.
+const float kLensSize = 1936.0f;
+const float kLensFovDegrees = 183.0f;
+inline float LensFocalLength() {
+  return ::vemo::libdewarp::Projection::FisheyeFocalLength(
+      0.5f * kLensSize, 0.5f * ::vemo::libdewarp::Trigonometry::degrees_to_radians(kLensFovDegrees));
+}
 
 using ::vemo::libdewarp::ImageMap;
 using ::vemo::libdewarp::MapFunctor;

@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+#include "builders_test_support.h"
+
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -21,14 +23,10 @@ namespace vemo {
 namespace libdewarp {
 namespace {
 
-const float kLensSize = 1936.0f;
-const float kLensFovDegrees = 183.0f;
-const float kTolerance = 0.125f;
+using ::vemo::test::kLensSize;
+using ::vemo::test::LensFocalLength;
 
-float FocalLength() {
-  return Projection::FisheyeFocalLength(0.5f * kLensSize,
-                                        0.5f * Trigonometry::degrees_to_radians(kLensFovDegrees));
-}
+const float kTolerance = 0.125f;
 
 struct Case {
   DEWARP_PROJECTION projection;
@@ -49,7 +47,7 @@ const Case kCases[] = {
 };
 
 TEST(ProjectionMapAccuracy, RealMapsStayWithinAnEighthOfASourcePixelOfTheDenseBuild) {
-  const float f = FocalLength();
+  const float f = LensFocalLength();
   const Resolution in(kLensSize, kLensSize);
   for (const Case& c : kCases) {
     const Resolution out(c.width, c.height);

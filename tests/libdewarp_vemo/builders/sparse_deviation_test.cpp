@@ -28,18 +28,14 @@ namespace vemo {
 namespace libdewarp {
 namespace {
 
-const float kLensSize = 1936.0f;
-const float kLensFovDegrees = 183.0f;
+using ::vemo::test::kLensSize;
+using ::vemo::test::LensFocalLength;
+
 // Output maps are limited to this many pixels per axis: the projections that stretch towards the
 // poles or the rim (rectilinear without bound, cylindrical, Mercator, ...) would otherwise be tens
 // of thousands of pixels tall. The limit keeps the centre of the map at full resolution, so the
 // pixel scale, and with it the interpolation error per pixel, is that of the real map.
 const float kLimit = 2048.0f;
-
-float FocalLength() {
-  return Projection::FisheyeFocalLength(0.5f * kLensSize,
-                                        0.5f * Trigonometry::degrees_to_radians(kLensFovDegrees));
-}
 
 // The natural size of a projection of the whole lens: the lens's edge midpoints converted into
 // the projection give its width and height.
@@ -152,7 +148,7 @@ class SparseDeviation : public ::testing::TestWithParam<int> {};
 
 TEST_P(SparseDeviation, EachSparseBuilderStaysCloseToTheDenseBuild) {
   const DEWARP_PROJECTION p = static_cast<DEWARP_PROJECTION>(GetParam());
-  const float f = FocalLength();
+  const float f = LensFocalLength();
   const Resolution in(kLensSize, kLensSize);
   const Resolution out = ProjectionSize(p, f);
   ASSERT_TRUE(out.Valid());
@@ -169,7 +165,7 @@ INSTANTIATE_TEST_SUITE_P(AllOutputProjections, SparseDeviation, ::testing::Range
 // The reference above is the dense build itself: on a map small enough to build densely, every
 // pixel's value is that of LinearMapBuilder, to the bit, for every projection.
 TEST(DenseReference, MatchesTheDenseBuilder) {
-  const float f = FocalLength();
+  const float f = LensFocalLength();
   const Resolution in(kLensSize, kLensSize);
   const Resolution out(97, 61);
   for (int n = 0; n < 9; ++n) {
