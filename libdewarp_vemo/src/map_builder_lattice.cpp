@@ -47,42 +47,76 @@ struct ListedBlend {
 // How a cell of the lattice is filled (see LatticeFill).
 enum CellFill : unsigned char { FILL_BLEND, FILL_BLEND_KEEP_MIDDLE, FILL_NO_SOURCE, FILL_REFINED };
 
+// The fractions k / nWidth (k = 0 ... nWidth) at which the pixels of a cell row lie between its
+// two ends, each formed as k times the step per column; kept for the last width asked for, since
+// nearly every cell of a lattice has the same width.
+class RowFractions {
+public:
+  const float* For(int nWidth) {
+    if (nWidth != m_nWidth) {
+      const float fStepPerColumn = nWidth > 0 ? 1.0f / static_cast<float>(nWidth) : 1.0f;
+      m_afFraction.resize(static_cast<std::size_t>(nWidth > 0 ? nWidth : 0) + 1);
+      for (int k = 0; k <= nWidth; ++k) m_afFraction[k] = static_cast<float>(k) * fStepPerColumn;
+      m_nWidth = nWidth;
+    }
+    return m_afFraction.data();
+  }
+
+private:
+  int m_nWidth = -1;
+  std::vector<float> m_afFraction;
+};
+
+// Row j of a cell nHeight steps high, and how far down the cell it lies (j / nHeight).
+struct CellRow {
+  CellRow(int j, int nCellHeight)
+      : nRow(j),
+        nHeight(nCellHeight),
+        fY(j > 0 && j < nCellHeight ? static_cast<float>(j) / static_cast<float>(nCellHeight) : 0.0f) {}
+  int nRow, nHeight;
+  float fY;
+};
+
+// The value at the end of a cell row whose ends at the top and the bottom of the cell are obTop
+// and obBottom: interpolated between them, except that the first and the last row take the
+// corners as they are (blending them with a corner without a source would turn a corner that has
+// one into NaN, NaN * 0).
+inline TablePoint RowEnd(const CellRow& obRow, const TablePoint& obTop, const TablePoint& obBottom) {
+  if (obRow.nRow == 0) return obTop;
+  if (obRow.nRow == obRow.nHeight) return obBottom;
+  return TablePoint{obTop.fX + (obBottom.fX - obTop.fX) * obRow.fY, obTop.fY + (obBottom.fY - obTop.fY) * obRow.fY};
+}
+
+// One row of a cell fill, nWidth steps long: the ends as given, the pixels between them at the
+// given fractions along the row.
+inline void FillCellRow(float* pfRowX, float* pfRowY, int nWidth, const TablePoint& obLeft,
+                        const TablePoint& obRight, const float* pfFraction) {
+  const float fStepX = obRight.fX - obLeft.fX;
+  const float fStepY = obRight.fY - obLeft.fY;
+  pfRowX[0] = obLeft.fX;
+  pfRowY[0] = obLeft.fY;
+  for (int k = 1; k < nWidth; ++k) {
+    pfRowX[k] = obLeft.fX + fStepX * pfFraction[k];
+    pfRowY[k] = obLeft.fY + fStepY * pfFraction[k];
+  }
+  pfRowX[nWidth] = obRight.fX;
+  pfRowY[nWidth] = obRight.fY;
+}
+
 // Bilinear fill of one cell of nWidth x nHeight steps (corners included), row by row: the
 // values of the row's two ends are interpolated between the corners above and below, the
 // pixels between them along the row. The ends are stored as computed and the corners exactly,
-// so that two cells that share an edge store the same values on it, a corner is never changed by
-// a fill, and a cell whose corners may lack a source (one of 1 x 1 steps) stores them unchanged.
+// so that two cells that share an edge store the same values on it (whichever is filled first),
+// a corner is never changed by a fill, and a cell whose corners may lack a source (one of 1 x 1
+// steps) stores them unchanged.
 void FillCell(float* pfX, float* pfY, int nStride, int nWidth, int nHeight, const TablePoint& obTopLeft,
-              const TablePoint& obTopRight, const TablePoint& obBottomLeft, const TablePoint& obBottomRight) {
-  const float fStepPerColumn = nWidth > 0 ? 1.0f / static_cast<float>(nWidth) : 1.0f;
-  const float fHeight = nHeight > 0 ? static_cast<float>(nHeight) : 1.0f;
+              const TablePoint& obTopRight, const TablePoint& obBottomLeft, const TablePoint& obBottomRight,
+              RowFractions& obFractions) {
+  const float* const pfFraction = obFractions.For(nWidth);
   for (int j = 0; j <= nHeight; ++j) {
-    const bool bLast = (j == nHeight);
-    const float fY = static_cast<float>(j) / fHeight;
-    // The first and the last row take their corners as they are: blending them with a corner
-    // without a source would turn a corner that has one into NaN (NaN * 0).
-    const bool bFirst = (j == 0);
-    const float fLeftX =
-        bFirst ? obTopLeft.fX : bLast ? obBottomLeft.fX : obTopLeft.fX + (obBottomLeft.fX - obTopLeft.fX) * fY;
-    const float fLeftY =
-        bFirst ? obTopLeft.fY : bLast ? obBottomLeft.fY : obTopLeft.fY + (obBottomLeft.fY - obTopLeft.fY) * fY;
-    const float fRightX =
-        bFirst ? obTopRight.fX : bLast ? obBottomRight.fX : obTopRight.fX + (obBottomRight.fX - obTopRight.fX) * fY;
-    const float fRightY =
-        bFirst ? obTopRight.fY : bLast ? obBottomRight.fY : obTopRight.fY + (obBottomRight.fY - obTopRight.fY) * fY;
-    const float fStepX = fRightX - fLeftX;
-    const float fStepY = fRightY - fLeftY;
-    float* const pfRowX = pfX + j * nStride;
-    float* const pfRowY = pfY + j * nStride;
-    pfRowX[0] = fLeftX;
-    pfRowY[0] = fLeftY;
-    for (int k = 1; k < nWidth; ++k) {
-      const float fX = static_cast<float>(k) * fStepPerColumn;
-      pfRowX[k] = fLeftX + fStepX * fX;
-      pfRowY[k] = fLeftY + fStepY * fX;
-    }
-    pfRowX[nWidth] = fRightX;
-    pfRowY[nWidth] = fRightY;
+    const CellRow obRow(j, nHeight);
+    FillCellRow(pfX + j * nStride, pfY + j * nStride, nWidth, RowEnd(obRow, obTopLeft, obBottomLeft),
+                RowEnd(obRow, obTopRight, obBottomRight), pfFraction);
   }
 }
 
@@ -160,9 +194,58 @@ public:
     }
   }
 
-  // A cell of the lattice itself: its corners are lattice crossings, which every fill stores
-  // unchanged, so they are read as they stand.
-  void Blend(const LatticeCell& obCell, bool bKeepMiddle) { BlendAs(Judged(obCell), bKeepMiddle); }
+  // The blended cells of one band of the lattice (the nCells cells between two neighbouring rows
+  // of it, columns at anColumns), each filled from its corners as FillCell fills a cell, but row
+  // by row across the whole band, so that the tables are written front to back rather than a
+  // cell at a time; then the kept middles take their exact values. The values are those of
+  // filling the cells one after the other in reading order, each with its middle: cells that
+  // share an edge store the same values on it, and a kept middle lies inside its cell or, in a
+  // cell one step across, on its left or top edge, which it shares only with cells before it. So
+  // a middle ends with the value it had when its cell came: the cell above (an earlier band) has
+  // been filled then, and a blended cell on the left has written its own right edge over it.
+  void BlendBand(const std::vector<int>& anColumns, int nTop, int nBottom, const unsigned char* aeFill,
+                 std::size_t nCells) {
+    auto blended = [&](std::size_t a) { return aeFill[a] == FILL_BLEND || aeFill[a] == FILL_BLEND_KEEP_MIDDLE; };
+    auto cell = [&](std::size_t a) {
+      return LatticeCell{anColumns[a], anColumns.size() > 1 ? anColumns[a + 1] : anColumns[a], nTop, nBottom};
+    };
+    m_aobMiddles.clear();
+    for (std::size_t a = 0; a < nCells; ++a) {
+      if (aeFill[a] != FILL_BLEND_KEEP_MIDDLE) continue;
+      const LatticeCell obCell = cell(a);
+      const bool bOverwritten = obCell.nRight - obCell.nLeft == 1 && a > 0 && blended(a - 1);
+      if (!bOverwritten) {
+        const int nColumn = MiddleColumn(obCell), nRow = MiddleRow(obCell);
+        m_aobMiddles.push_back(KeptMiddle{nColumn, nRow, At(nColumn, nRow)});
+      }
+    }
+    // The corners of the band's cells (the lattice crossings on its top and bottom lines), read
+    // once for all its rows.
+    const std::size_t nLines = anColumns.size() > 1 ? nCells + 1 : 1;
+    const std::size_t nRight = nLines > 1 ? 1 : 0;  // the right end's line: the next one, if any
+    m_aobTop.resize(nLines);
+    m_aobBottom.resize(nLines);
+    for (std::size_t a = 0; a < nLines; ++a) {
+      m_aobTop[a] = At(anColumns[a], nTop);
+      m_aobBottom[a] = At(anColumns[a], nBottom);
+    }
+    const int nHeight = nBottom - nTop;
+    for (int j = 0; j <= nHeight; ++j) {
+      const CellRow obRow(j, nHeight);
+      float* const pfRowX = m_pfX + (nTop + j) * m_nStride;
+      float* const pfRowY = m_pfY + (nTop + j) * m_nStride;
+      for (std::size_t a = 0; a < nCells; ++a) {
+        if (!blended(a)) continue;
+        const int nLeft = anColumns[a], nWidth = anColumns[a + nRight] - nLeft;
+        FillCellRow(pfRowX + nLeft, pfRowY + nLeft, nWidth, RowEnd(obRow, m_aobTop[a], m_aobBottom[a]),
+                    RowEnd(obRow, m_aobTop[a + nRight], m_aobBottom[a + nRight]), m_obFractions.For(nWidth));
+      }
+    }
+    for (const KeptMiddle& obMiddle : m_aobMiddles) {
+      m_pfX[obMiddle.nRow * m_nStride + obMiddle.nColumn] = obMiddle.obValue.fX;
+      m_pfY[obMiddle.nRow * m_nStride + obMiddle.nColumn] = obMiddle.obValue.fY;
+    }
+  }
 
   // The listed parts of refined cells, after the lattice's own cells of the same kind.
   void FillListedNoSource() {
@@ -216,7 +299,7 @@ private:
     const LatticeCell& obCell = obPart.obCell;
     const int nOrigin = obCell.nTop * m_nStride + obCell.nLeft;
     FillCell(m_pfX + nOrigin, m_pfY + nOrigin, m_nStride, obCell.nRight - obCell.nLeft, obCell.nBottom - obCell.nTop,
-             obPart.obTopLeft, obPart.obTopRight, obPart.obBottomLeft, obPart.obBottomRight);
+             obPart.obTopLeft, obPart.obTopRight, obPart.obBottomLeft, obPart.obBottomRight, m_obFractions);
     if (bKeepMiddle) {
       const int nMiddle = MiddleRow(obCell) * m_nStride + MiddleColumn(obCell);
       m_pfX[nMiddle] = obPart.obMiddle.fX;
@@ -344,6 +427,14 @@ private:
   const MapBuilder::NoSourceTest* m_pobNoSource;
   std::vector<LatticeCell> m_aobPending, m_aobNoSource, m_aobEvaluate;
   std::vector<ListedBlend> m_aobBlend, m_aobBlendKeepMiddle;
+  // The middles of a band that keep their exact values, and the fractions of the cell rows.
+  struct KeptMiddle {
+    int nColumn, nRow;
+    TablePoint obValue;
+  };
+  std::vector<KeptMiddle> m_aobMiddles;
+  std::vector<TablePoint> m_aobTop, m_aobBottom;
+  RowFractions m_obFractions;
 };
 
 }  // namespace
@@ -395,10 +486,9 @@ void MapBuilder::BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid,
     if (aeFill[n] == FILL_NO_SOURCE) obFill.FillNoSource(cell(n % nCellColumns, n / nCellColumns));
   }
   obFill.FillListedNoSource();
-  for (size_t n = 0; n < aeFill.size(); ++n) {
-    if (aeFill[n] == FILL_BLEND || aeFill[n] == FILL_BLEND_KEEP_MIDDLE) {
-      obFill.Blend(cell(n % nCellColumns, n / nCellColumns), aeFill[n] == FILL_BLEND_KEEP_MIDDLE);
-    }
+  for (size_t b = 0; b < nCellRows; ++b) {
+    const LatticeCell obFirst = cell(0, b);
+    obFill.BlendBand(anColumns, obFirst.nTop, obFirst.nBottom, &aeFill[b * nCellColumns], nCellColumns);
   }
   obFill.BlendListed();
   obFill.EvaluateListed();
