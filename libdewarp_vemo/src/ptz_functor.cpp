@@ -167,16 +167,18 @@ Vector2d PtzFunctor::Zoom(const Vector2d& obPoint, DEWARP_FLOAT fZoom) const {
 // its x and rows floor and ceiling of its y; an element outside the map, or with a coordinate
 // that is not a number, makes that coordinate of the blend NaN whatever its weight (0 * NaN is
 // NaN). So when every element within the zoomed rectangle, widened to whole elements, has such a
-// coordinate, so has every sample of the rectangle. The rectangle is widened by one more element
-// each way as a margin against any rounding of the zoomed corners.
+// coordinate, so has every sample of the rectangle. No further margin is needed: each step of the
+// zoom is non-decreasing in the point (see ZoomAbout), so a point of the rectangle zooms, with the
+// same roundings, to a point between the zoomed corners, and its floor and ceiling lie between
+// the corners' floors and ceilings.
 bool PtzFunctor::ZoomFindsNoSource(const Vector2d& obLow, const Vector2d& obHigh, DEWARP_FLOAT fZoom) const {
   if (!m_pobImageMap || !(fZoom > 0.0f)) return false;
   const Vector2d zLow = ZoomAbout(obLow, m_obOutputOffset, fZoom);
   const Vector2d zHigh = ZoomAbout(obHigh, m_obOutputOffset, fZoom);
   if (!zLow.Valid() || !zHigh.Valid() || !(zLow.X <= zHigh.X) || !(zLow.Y <= zHigh.Y)) return false;
   const CornerReader obMap(*m_pobImageMap);
-  return obMap.NoSourceIn(std::floor(static_cast<double>(zLow.X)) - 1.0, std::floor(static_cast<double>(zLow.Y)) - 1.0,
-                          std::ceil(static_cast<double>(zHigh.X)) + 1.0, std::ceil(static_cast<double>(zHigh.Y)) + 1.0);
+  return obMap.NoSourceIn(std::floor(static_cast<double>(zLow.X)), std::floor(static_cast<double>(zLow.Y)),
+                          std::ceil(static_cast<double>(zHigh.X)), std::ceil(static_cast<double>(zHigh.Y)));
 }
 
 Vector2d PtzFunctor::SphericalPerspective(const Vector2d& obPoint, DEWARP_FLOAT fFocalLength,
