@@ -160,6 +160,18 @@ void RemapRowPairs(const Image& dst, const Image& src, const T* table, std::size
 // Which kernels the remaps may use (ImagePlanar420::KernelSet), process-wide.
 std::atomic<int> g_kernelSet(ImagePlanar420::WIDEST_KERNELS);
 
+// The row kernel of a bilinear frame over groups, chosen once for the whole frame: the widest
+// allowed that the processor runs.
+typedef void (*GroupRows)(const remap420::GroupWalk&);
+GroupRows ChooseGroupRows() {
+  const ImagePlanar420::KernelSet set = ImagePlanar420::GetKernelSet();
+  const bool avx512 = set == ImagePlanar420::WIDEST_KERNELS || set == ImagePlanar420::AVX512_KERNELS;
+  const bool avx2 = avx512 || set == ImagePlanar420::AVX2_KERNELS;
+  if (avx512 && remap420::ProcessorHasAvx512()) return remap420::BilinearGroupRowsAvx512;
+  if (avx2 && remap420::ProcessorHasAvx2()) return remap420::BilinearGroupRowsAvx2;
+  return remap420::BilinearGroupRowsSse2;
+}
+
 }  // namespace
 
 namespace remap420 {
@@ -263,15 +275,14 @@ bool ImagePlanar420::LinearInterpolation(const Image& src, const Map& mapX, cons
   // Frames that the group kernels serve take the group table, every other frame the
   // interleaved one (both kept in the x map's float merge slot, built on first use).
   const bool groups = mapX.GetCols() == m_width && !NeedsCheckedBlocks(*this, source) && GroupKernelsFit(source);
-  const float* table = groups ? mapX.GetBilinearGroupBuffer(mapY, source.m_width, source.m_height)
-                              : mapX.GetMergedBuffer<float>(mapY, source.m_width, source.m_height);
-  if (m_height < 2) {
-    return true;
-  }
-  if (!table || mapX.GetRows() != m_height || mapX.GetCols() != m_width || !Usable(*this) || !Usable(source)) {
-    return true;
-  }
   if (!groups) {
+    const float* table = mapX.GetMergedBuffer<float>(mapY, source.m_width, source.m_height);
+    if (m_height < 2) {
+      return true;
+    }
+    if (!table || mapX.GetRows() != m_height || mapX.GetCols() != m_width || !Usable(*this) || !Usable(source)) {
+      return true;
+    }
     // Destination luma rows at a pitch of the width.
     RemapRowPairs(*this, source, table, m_width);
     return true;
@@ -279,22 +290,27 @@ bool ImagePlanar420::LinearInterpolation(const Image& src, const Map& mapX, cons
   remap420::GroupWalk w;
   w.d = remap420::GetPlanes(m_image, m_stride, m_height);
   w.s = remap420::GetPlanes(source.m_image, source.m_stride, source.m_height);
-  w.table = table;
+  w.table = nullptr;
   w.groups = (m_width + Map::s_uBilinearGroupColumns - 1) / Map::s_uBilinearGroupColumns;
   w.lumaPitch = m_width;  // destination luma rows at a pitch of the width
   w.width = m_width;
   w.rowPairs = m_height / 2;
-  // The kernels are chosen once for the whole frame: the widest allowed that the processor
-  // runs.
-  const KernelSet set = GetKernelSet();
-  const bool avx512 = set == WIDEST_KERNELS || set == AVX512_KERNELS;
-  const bool avx2 = avx512 || set == AVX2_KERNELS;
-  if (avx512 && remap420::ProcessorHasAvx512()) {
-    remap420::BilinearGroupRowsAvx512(w);
-  } else if (avx2 && remap420::ProcessorHasAvx2()) {
-    remap420::BilinearGroupRowsAvx2(w);
-  } else {
-    remap420::BilinearGroupRowsSse2(w);
+  const bool walkable = m_height >= 2 && mapX.GetRows() == m_height && Usable(*this) && Usable(source);
+  const GroupRows rows = ChooseGroupRows();
+  // The AVX2 kernel builds a missing table in the pass that walks the frame through it.
+  if (walkable && rows == remap420::BilinearGroupRowsAvx2 &&
+      !mapX.HasBilinearGroupBuffer(source.m_width, source.m_height)) {
+    if (float* table = mapX.NewBilinearGroupBuffer(mapY)) {
+      remap420::BilinearFormGroupsRowsAvx2(w, mapX.GetTypePtr<float>(), mapY.GetTypePtr<float>(),
+                                           static_cast<float>(source.m_width) - 1.0f,
+                                           static_cast<float>(source.m_height) - 1.0f, table);
+      mapX.KeepBilinearGroupBuffer(table, source.m_width, source.m_height);
+      return true;
+    }
+  }
+  w.table = mapX.GetBilinearGroupBuffer(mapY, source.m_width, source.m_height);
+  if (w.table && walkable) {
+    rows(w);
   }
   return true;
 }

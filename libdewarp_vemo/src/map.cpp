@@ -516,8 +516,7 @@ const float* Map::GetBilinearGroupBuffer(const Map& mapY, unsigned int width, un
   if (!IsPairCompatible(mapY) || (m_cols & 1u) != 0) {
     return nullptr;
   }
-  if (m_fMergerdData && m_eFloatMergedKind == MERGED_BILINEAR_GROUPS && m_uFloatMergedWidth == width &&
-      m_uFloatMergedHeight == height) {
+  if (HasBilinearGroupBuffer(width, height)) {
     return m_fMergerdData;
   }
   const BilinearBounds bounds = {static_cast<float>(width) - 1.0f, static_cast<float>(height) - 1.0f};
@@ -568,6 +567,35 @@ const float* Map::GetBilinearGroupBuffer(const Map& mapY, unsigned int width, un
   m_uFloatMergedWidth = width;
   m_uFloatMergedHeight = height;
   return table;
+}
+
+bool Map::HasBilinearGroupBuffer(unsigned int width, unsigned int height) const {
+  return m_fMergerdData && m_eFloatMergedKind == MERGED_BILINEAR_GROUPS && m_uFloatMergedWidth == width &&
+         m_uFloatMergedHeight == height;
+}
+
+float* Map::NewBilinearGroupBuffer(const Map& mapY) const {
+  const FloatPairTables direct = GetFloatPair(mapY);
+  const std::size_t pixels = static_cast<std::size_t>(m_rows) * m_cols;
+  if (!IsPairCompatible(mapY) || !direct.x || direct.count < pixels || m_cols == 0 ||
+      m_cols % s_uBilinearGroupColumns != 0 || m_rows < 2) {
+    return nullptr;
+  }
+  // The slot's old table goes with its holder.
+  m_fMergerdData = nullptr;
+  m_eFloatMergedKind = MERGED_NONE;
+  const std::size_t count = (m_rows / 2) * (m_cols / s_uBilinearGroupColumns) * s_uBilinearGroupFloats;
+  return Allocate<float>(count, m_pobFMerged);
+}
+
+void Map::KeepBilinearGroupBuffer(const float* table, unsigned int width, unsigned int height) const {
+  if (!table || table != m_pobFMerged.get()) {
+    return;
+  }
+  m_fMergerdData = const_cast<float*>(table);
+  m_eFloatMergedKind = MERGED_BILINEAR_GROUPS;
+  m_uFloatMergedWidth = width;
+  m_uFloatMergedHeight = height;
 }
 
 const std::uint32_t* Map::GetFixedPointBuffer(const Map& mapY, unsigned int width, unsigned int height,

@@ -63,11 +63,9 @@ DEWARP_AVX2_INLINE __m256i Words8(const std::uint8_t* plane, const Offsets8& l) 
                            Load32(plane + l.o[6]), Load32(plane + l.o[7]));
 }
 
-// Pixels whose positions are x[0..7], y[0..7] (all inside the interpolable area).
-DEWARP_AVX2_INLINE Lanes8 Pixels8(const Planes& s, const float* x, const float* y, __m256i stride) {
+// Pixels whose positions are vx, vy (all inside the interpolable area).
+DEWARP_AVX2_INLINE Lanes8 Pixels8(const Planes& s, __m256 vx, __m256 vy, __m256i stride) {
   Lanes8 p;
-  const __m256 vx = _mm256_loadu_ps(x);
-  const __m256 vy = _mm256_loadu_ps(y);
   p.xi = _mm256_cvttps_epi32(vx);
   p.yi = _mm256_cvttps_epi32(vy);
   const __m256 fx = _mm256_sub_ps(vx, _mm256_cvtepi32_ps(p.xi));
@@ -130,21 +128,26 @@ DEWARP_AVX2_INLINE void StoreChroma(std::uint8_t* u, std::uint8_t* v, __m256i uL
   _mm_storel_epi64(reinterpret_cast<__m128i*>(v), _mm_unpackhi_epi64(planar, planar));
 }
 
-// Columns c .. c + 15 of a row pair from one group; false (nothing written) when a block of the
-// group lies outside the picture.
-DEWARP_AVX2_INLINE bool Group16(const Planes& s, const RowPair& o, const float* g, std::uint32_t c, __m256i stride,
-                    __m256i blocks) {
-  const __m256 marker = _mm256_set1_ps(Map::s_fBilinearOutside);
-  const __m256 bad = _mm256_or_ps(_mm256_cmp_ps(_mm256_loadu_ps(g), marker, _CMP_EQ_OQ),
-                                  _mm256_cmp_ps(_mm256_loadu_ps(g + 56), marker, _CMP_EQ_OQ));
-  if (_mm256_movemask_ps(bad) != 0) {
-    return false;
-  }
-  const Lanes8 tl = Pixels8(s, g, g + 8, stride);
-  const Lanes8 tr = Pixels8(s, g + 16, g + 24, stride);
+// The eight vectors of a group, in its order: x and y of the even columns of the upper row, x
+// and y of its odd columns, then the same for the lower row.
+struct Group8 {
+  __m256 v[8];
+};
+
+DEWARP_AVX2_INLINE Group8 LoadGroup(const float* g) {
+  Group8 group;
+  for (int k = 0; k < 8; ++k) group.v[k] = _mm256_loadu_ps(g + 8 * k);
+  return group;
+}
+
+// Columns c .. c + 15 of a row pair from one group whose blocks all lie inside the picture.
+DEWARP_AVX2_INLINE void Group16(const Planes& s, const RowPair& o, const Group8& g, std::uint32_t c, __m256i stride,
+                                __m256i blocks) {
+  const Lanes8 tl = Pixels8(s, g.v[0], g.v[1], stride);
+  const Lanes8 tr = Pixels8(s, g.v[2], g.v[3], stride);
   StoreInterleaved16(o.y0 + c, tl.luma, tr.luma);
-  const Lanes8 bl = Pixels8(s, g + 32, g + 40, stride);
-  const Lanes8 br = Pixels8(s, g + 48, g + 56, stride);
+  const Lanes8 bl = Pixels8(s, g.v[4], g.v[5], stride);
+  const Lanes8 br = Pixels8(s, g.v[6], g.v[7], stride);
   StoreInterleaved16(o.y1 + c, bl.luma, br.luma);
   // Chroma offsets of the four pixels of each block: top-left (yi/2, xi/2), bottom-left
   // (yi/2, (xi+1)/2), top-right ((yi+1)/2, xi/2), bottom-right ((yi+1)/2, (xi+1)/2).
@@ -159,7 +162,56 @@ DEWARP_AVX2_INLINE bool Group16(const Planes& s, const RowPair& o, const float* 
       LaneOffsets(_mm256_add_epi32(_mm256_mullo_epi32(_mm256_srli_epi32(_mm256_add_epi32(br.yi, one), 1), blocks),
                                    _mm256_srli_epi32(_mm256_add_epi32(br.xi, one), 1)))};
   StoreChroma(o.u + c / 2, o.v + c / 2, BlendChroma8(tl, s.u, offsets), BlendChroma8(tl, s.v, offsets));
+}
+
+// Columns c .. c + 15 of a row pair from the group at g; false (nothing written) when a block of
+// the group lies outside the picture (its top pair or its bottom pair holds the marker).
+DEWARP_AVX2_INLINE bool TableGroup16(const Planes& s, const RowPair& o, const float* g, std::uint32_t c,
+                                     __m256i stride, __m256i blocks) {
+  const __m256 marker = _mm256_set1_ps(Map::s_fBilinearOutside);
+  const __m256 bad = _mm256_or_ps(_mm256_cmp_ps(_mm256_loadu_ps(g), marker, _CMP_EQ_OQ),
+                                  _mm256_cmp_ps(_mm256_loadu_ps(g + 56), marker, _CMP_EQ_OQ));
+  if (_mm256_movemask_ps(bad) != 0) {
+    return false;
+  }
+  Group16(s, o, LoadGroup(g), c, stride, blocks);
   return true;
+}
+
+// Lanes 0, 2, 4, ... 14 and 1, 3, 5, ... 15 of the sixteen floats in a (first eight) and b.
+DEWARP_AVX2_INLINE __m256 EvenLanes(__m256 a, __m256 b) {
+  return _mm256_castpd_ps(_mm256_permute4x64_pd(_mm256_castps_pd(_mm256_shuffle_ps(a, b, 0x88)), 0xD8));
+}
+DEWARP_AVX2_INLINE __m256 OddLanes(__m256 a, __m256 b) {
+  return _mm256_castpd_ps(_mm256_permute4x64_pd(_mm256_castps_pd(_mm256_shuffle_ps(a, b, 0xDD)), 0xD8));
+}
+
+// Bounds of the interpolable area, as Map::GetBilinearGroupBuffer tests them.
+struct Bounds8 {
+  __m256 maxX, maxY;
+};
+
+// Whether 0 <= x < maxX and 0 <= y < maxY, lane by lane (a NaN fails).
+DEWARP_AVX2_INLINE __m256 Inside8(__m256 x, __m256 y, const Bounds8& b) {
+  const __m256 zero = _mm256_setzero_ps();
+  return _mm256_and_ps(_mm256_and_ps(_mm256_cmp_ps(x, zero, _CMP_GE_OQ), _mm256_cmp_ps(x, b.maxX, _CMP_LT_OQ)),
+                       _mm256_and_ps(_mm256_cmp_ps(y, zero, _CMP_GE_OQ), _mm256_cmp_ps(y, b.maxY, _CMP_LT_OQ)));
+}
+
+// One row of a group from sixteen pixels' x and y, into v[0..3]: the even and the odd pixels' x
+// and y, each pair kept only when both its pixels are inside, otherwise all four values the
+// marker (the values and markers of Map::GetBilinearGroupBuffer). Returns the pairs kept.
+DEWARP_AVX2_INLINE __m256 FormGroupRow(const float* x, const float* y, const Bounds8& b, __m256* v) {
+  const __m256 x0 = _mm256_loadu_ps(x), x1 = _mm256_loadu_ps(x + 8);
+  const __m256 y0 = _mm256_loadu_ps(y), y1 = _mm256_loadu_ps(y + 8);
+  v[0] = EvenLanes(x0, x1);
+  v[1] = EvenLanes(y0, y1);
+  v[2] = OddLanes(x0, x1);
+  v[3] = OddLanes(y0, y1);
+  const __m256 pair = _mm256_and_ps(Inside8(v[0], v[1], b), Inside8(v[2], v[3], b));
+  const __m256 outside = _mm256_andnot_ps(pair, _mm256_set1_ps(Map::s_fBilinearOutside));
+  for (int k = 0; k < 4; ++k) v[k] = _mm256_or_ps(_mm256_and_ps(pair, v[k]), outside);
+  return pair;
 }
 
 }  // namespace
@@ -168,7 +220,7 @@ __attribute__((target("avx2"))) void BilinearGroupAvx2(const GroupWalk& w, const
                                                         std::uint32_t c) {
   const __m256i stride = _mm256_set1_epi32(static_cast<int>(w.s.stride));
   const __m256i blocks = _mm256_set1_epi32(static_cast<int>(w.s.blocks));
-  if (!Group16(w.s, o, group, c, stride, blocks)) {
+  if (!TableGroup16(w.s, o, group, c, stride, blocks)) {
     BilinearGroupByBlocks(w, o, group, c);
   }
 }
@@ -185,12 +237,44 @@ __attribute__((target("avx2"))) void BilinearGroupRowsAvx2(const GroupWalk& w) {
     for (std::size_t g = 0; g < w.groups; ++g) {
       const float* group = w.Group(r, g);
       const std::uint32_t c = static_cast<std::uint32_t>(g * Map::s_uBilinearGroupColumns);
-      if (!Group16(w.s, o, group, c, stride, blocks)) {
+      if (!TableGroup16(w.s, o, group, c, stride, blocks)) {
         BilinearGroupByBlocks(w, o, group, c);
       }
     }
   }
   // Clean upper halves for the SSE code that runs next (no penalty for mixing the two).
+  _mm256_zeroupper();
+}
+
+__attribute__((target("avx2"))) void BilinearFormGroupsRowsAvx2(const GroupWalk& w, const float* x, const float* y,
+                                                                 float maxX, float maxY, float* table) {
+  const __m256i stride = _mm256_set1_epi32(static_cast<int>(w.s.stride));
+  const __m256i blocks = _mm256_set1_epi32(static_cast<int>(w.s.blocks));
+  const Bounds8 bounds = {_mm256_set1_ps(maxX), _mm256_set1_ps(maxY)};
+  const std::size_t cols = w.groups * Map::s_uBilinearGroupColumns;
+  for (std::size_t r = 0; r < w.rowPairs; ++r) {
+    RowPair o;
+    o.y0 = w.d.y + 2 * r * w.lumaPitch;
+    o.y1 = o.y0 + w.lumaPitch;
+    o.u = w.d.u + r * w.d.blocks;
+    o.v = w.d.v + r * w.d.blocks;
+    const float* const x0 = x + 2 * r * cols;
+    const float* const y0 = y + 2 * r * cols;
+    for (std::size_t g = 0; g < w.groups; ++g) {
+      const std::size_t first = g * Map::s_uBilinearGroupColumns;
+      Group8 group;
+      const __m256 upper = FormGroupRow(x0 + first, y0 + first, bounds, group.v);
+      const __m256 lower = FormGroupRow(x0 + cols + first, y0 + cols + first, bounds, group.v + 4);
+      float* const stored = table + (r * w.groups + g) * Map::s_uBilinearGroupFloats;
+      for (int k = 0; k < 8; ++k) _mm256_storeu_ps(stored + 8 * k, group.v[k]);
+      const std::uint32_t c = static_cast<std::uint32_t>(first);
+      if (_mm256_movemask_ps(_mm256_and_ps(upper, lower)) == 0xFF) {
+        Group16(w.s, o, group, c, stride, blocks);
+      } else {
+        BilinearGroupByBlocks(w, o, stored, c);
+      }
+    }
+  }
   _mm256_zeroupper();
 }
 

@@ -48,6 +48,15 @@ void BilinearGroupRowsSse2(const GroupWalk& w);
 // Every row pair of the walk, AVX2 vector kernel; only on processors with AVX2.
 void BilinearGroupRowsAvx2(const GroupWalk& w);
 
+// Every row pair of the walk through the AVX2 kernel, each group formed on the way from the
+// map's float tables x and y (rows of 16 * w.groups columns, a row pair's two rows for each row
+// pair of the walk) exactly as Map::GetBilinearGroupBuffer forms it for a source whose
+// interpolable area is 0 <= x < maxX, 0 <= y < maxY, stored at its place in table (the group
+// table, being built) and walked at once: the first frame through a map builds its group table
+// in the same pass that reads it. Only on processors with AVX2.
+void BilinearFormGroupsRowsAvx2(const GroupWalk& w, const float* x, const float* y, float maxX, float maxY,
+                                float* table);
+
 // One group (columns c to c + 15) through the AVX2 kernel, or block by block when a block lies
 // outside the picture; only on processors with AVX2.
 void BilinearGroupAvx2(const GroupWalk& w, const RowPair& o, const float* group, std::uint32_t c);

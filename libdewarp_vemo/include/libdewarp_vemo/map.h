@@ -124,6 +124,17 @@ public:
   static const unsigned int s_uBilinearGroupColumns = 16;
   static const unsigned int s_uBilinearGroupFloats = 64;
   const float* GetBilinearGroupBuffer(const Map& mapY, unsigned int width, unsigned int height) const;
+  // Whether that table is built for this source size.
+  bool HasBilinearGroupBuffer(unsigned int width, unsigned int height) const;
+  // For a remap that forms the group table itself in the pass that walks its first frame: when
+  // this map and mapY are FLOAT maps of the same size with their tables, of whole groups (columns
+  // a multiple of s_uBilinearGroupColumns) and at least one row pair, a new table of the group
+  // table's size, unwritten, held in the float merge slot (in place of what it held) but not yet
+  // the built table; null otherwise. The caller writes every group as GetBilinearGroupBuffer
+  // forms it, then hands the table to KeepBilinearGroupBuffer, which makes it the built table
+  // for that source size.
+  float* NewBilinearGroupBuffer(const Map& mapY) const;
+  void KeepBilinearGroupBuffer(const float* table, unsigned int width, unsigned int height) const;
 
   // Fixed-point bilinear table (three words per pixel: x, y, fraction index), cached in the
   // integer merge slot. Built by Remap::CreateBilinenarFixedPointMap.

@@ -11,6 +11,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <string>
@@ -359,6 +360,40 @@ TEST_P(RemapReferenceTest, LongRowsOfGroupsMatchTheReference) {
           }
         }
       }
+    }
+  }
+}
+
+TEST_P(RemapReferenceTest, TheFirstFrameLeavesTheGroupTableItsBuildMakes) {
+  // The first bilinear frame through a map builds the map's group table; on processors with
+  // AVX2 it forms the groups in the pass that walks the frame. Either way the table it leaves
+  // must be the one the table's own build makes from an identical map, bit for bit, and be kept
+  // for the next frame. Sizes of whole groups (the walk that forms them takes those), odd row
+  // counts, maps with every edge case, a source that the group walks serve (its last chroma
+  // samples inside the frame).
+  const Geometry g = {97, 62, 100};
+  const std::uint32_t sizes[][2] = {{208, 13}, {256, 6}, {32, 2}, {16, 3}, {48, 40}};
+  std::mt19937 rng(4242u);
+  for (const auto& size : sizes) {
+    const std::uint32_t w = size[0], h = size[1];
+    for (int spread : {2000, 40, 8}) {
+      const remap_reference::Maps maps = RandomMaps(rng, w, h, g, spread);
+      ImageMap walked = ToImageMap(maps);
+      ImageMap built = ToImageMap(maps);
+      remap_reference::Frame src(g.w, g.h, g.s);
+      RandomBytes(rng, src.bytes);
+      remap_reference::Frame dst(w, h, w);
+      ImagePlanar420 srcImage(YUV420_PLANAR_IMAGE, src.bytes.data(), g.w, g.h, g.s, false);
+      ImagePlanar420 dstImage(YUV420_PLANAR_IMAGE, dst.bytes.data(), w, h, w, false);
+      walked.Remap(srcImage, dstImage, LINEAR_INTERPOLATION);
+      const float* expected = built.GetMapX().GetBilinearGroupBuffer(built.GetMapY(), g.w, g.h);
+      ASSERT_NE(nullptr, expected);
+      ASSERT_TRUE(walked.GetMapX().HasBilinearGroupBuffer(g.w, g.h)) << w << "x" << h;
+      const float* table = walked.GetMapX().GetMergedTypePtr<float>();
+      ASSERT_NE(nullptr, table);
+      EXPECT_EQ(table, walked.GetMapX().GetBilinearGroupBuffer(walked.GetMapY(), g.w, g.h));
+      const std::size_t floats = (h / 2) * (w / Map::s_uBilinearGroupColumns) * Map::s_uBilinearGroupFloats;
+      EXPECT_EQ(0, std::memcmp(expected, table, floats * sizeof(float))) << w << "x" << h << " spread " << spread;
     }
   }
 }
