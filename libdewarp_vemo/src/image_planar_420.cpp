@@ -22,6 +22,7 @@ ImagePlanar420::~ImagePlanar420() {}
 namespace {
 
 using remap420::Planes;
+using remap420::GetRowPair;
 using remap420::RowPair;
 
 // The loops read the source at positions taken from the merged tables (inside width x height)
@@ -48,16 +49,6 @@ bool SourceChromaFits(const Planes& s, std::uint32_t width, std::uint32_t height
 bool GroupKernelsFit(const Image& source) {
   return source.GetStride() < 32768u && source.GetHeight() < 32768u &&
          static_cast<std::size_t>(source.GetStride()) * source.GetHeight() >= 8u;
-}
-
-// Luma rows 2r and 2r + 1 at the given pitch and chroma row r of a destination.
-RowPair GetRowPair(const Planes& d, std::size_t pitch, std::size_t r) {
-  RowPair o;
-  o.y0 = d.y + 2 * r * pitch;
-  o.y1 = o.y0 + pitch;
-  o.u = d.u + r * d.blocks;
-  o.v = d.v + r * d.blocks;
-  return o;
 }
 
 // The kernels of each mode, chosen by the element type of the merged table.

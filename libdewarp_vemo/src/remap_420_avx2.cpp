@@ -229,11 +229,7 @@ __attribute__((target("avx2"))) void BilinearGroupRowsAvx2(const GroupWalk& w) {
   const __m256i stride = _mm256_set1_epi32(static_cast<int>(w.s.stride));
   const __m256i blocks = _mm256_set1_epi32(static_cast<int>(w.s.blocks));
   for (std::size_t r = 0; r < w.rowPairs; ++r) {
-    RowPair o;
-    o.y0 = w.d.y + 2 * r * w.lumaPitch;
-    o.y1 = o.y0 + w.lumaPitch;
-    o.u = w.d.u + r * w.d.blocks;
-    o.v = w.d.v + r * w.d.blocks;
+    const RowPair o = GetRowPair(w.d, w.lumaPitch, r);
     for (std::size_t g = 0; g < w.groups; ++g) {
       const float* group = w.Group(r, g);
       const std::uint32_t c = static_cast<std::uint32_t>(g * Map::s_uBilinearGroupColumns);
@@ -253,11 +249,7 @@ __attribute__((target("avx2"))) void BilinearFormGroupsRowsAvx2(const GroupWalk&
   const Bounds8 bounds = {_mm256_set1_ps(maxX), _mm256_set1_ps(maxY)};
   const std::size_t cols = w.groups * Map::s_uBilinearGroupColumns;
   for (std::size_t r = 0; r < w.rowPairs; ++r) {
-    RowPair o;
-    o.y0 = w.d.y + 2 * r * w.lumaPitch;
-    o.y1 = o.y0 + w.lumaPitch;
-    o.u = w.d.u + r * w.d.blocks;
-    o.v = w.d.v + r * w.d.blocks;
+    const RowPair o = GetRowPair(w.d, w.lumaPitch, r);
     const float* const x0 = x + 2 * r * cols;
     const float* const y0 = y + 2 * r * cols;
     for (std::size_t g = 0; g < w.groups; ++g) {

@@ -141,11 +141,7 @@ __attribute__((DEWARP_AVX512_TARGET)) void BilinearGroupRowsAvx512(const GroupWa
   const __m512i stride = _mm512_set1_epi32(static_cast<int>(w.s.stride));
   const __m512i blocks = _mm512_set1_epi32(static_cast<int>(w.s.blocks));
   for (std::size_t r = 0; r < w.rowPairs; ++r) {
-    RowPair o;
-    o.y0 = w.d.y + 2 * r * w.lumaPitch;
-    o.y1 = o.y0 + w.lumaPitch;
-    o.u = w.d.u + r * w.d.blocks;
-    o.v = w.d.v + r * w.d.blocks;
+    const RowPair o = GetRowPair(w.d, w.lumaPitch, r);
     std::size_t g = 0;
     for (; g + 2 <= w.groups; g += 2) {
       const std::uint32_t c = static_cast<std::uint32_t>(g * Map::s_uBilinearGroupColumns);

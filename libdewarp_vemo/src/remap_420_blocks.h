@@ -56,6 +56,16 @@ struct RowPair {
   std::uint8_t* v;
 };
 
+// Luma rows 2r and 2r + 1 at the given pitch and chroma row r of a destination.
+inline RowPair GetRowPair(const Planes& d, std::size_t pitch, std::size_t r) {
+  RowPair o;
+  o.y0 = d.y + 2 * r * pitch;
+  o.y1 = o.y0 + pitch;
+  o.u = d.u + r * d.blocks;
+  o.v = d.v + r * d.blocks;
+  return o;
+}
+
 // Chroma sample of a source plane; positions past the end of the frame read the default.
 inline std::uint8_t ReadChroma(const std::uint8_t* plane, std::size_t limit, std::size_t index) {
   return index < limit ? plane[index] : ImagePlanar::s_uDefault;
