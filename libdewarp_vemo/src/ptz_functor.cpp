@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include <emmintrin.h>
+
 #include <libdewarp_vemo/floating_point.h>
 #include <libdewarp_vemo/image_map.h>
 #include <libdewarp_vemo/log.h>
@@ -59,10 +61,16 @@ public:
     const std::size_t nLeft = static_cast<std::size_t>(fLeft), nRight = static_cast<std::size_t>(fRight);
     const std::size_t nTop = static_cast<std::size_t>(fTop), nBottom = static_cast<std::size_t>(fBottom);
     if (!m_bDirect || !(nBottom * m_nCols + nRight < m_nCount)) return false;
+    // Four elements at a time: the ordered comparison of x with y holds exactly where neither is
+    // NaN, that is where an element has a source.
     for (std::size_t y = nTop; y <= nBottom; ++y) {
       const float* const pfRowX = m_pfX + y * m_nCols;
       const float* const pfRowY = m_pfY + y * m_nCols;
-      for (std::size_t x = nLeft; x <= nRight; ++x) {
+      std::size_t x = nLeft;
+      for (; x + 3 <= nRight; x += 4) {
+        if (_mm_movemask_ps(_mm_cmpord_ps(_mm_loadu_ps(pfRowX + x), _mm_loadu_ps(pfRowY + x))) != 0) return false;
+      }
+      for (; x <= nRight; ++x) {
         if (!std::isnan(pfRowX[x]) && !std::isnan(pfRowY[x])) return false;
       }
     }

@@ -3,6 +3,7 @@
 // without the test, and saves the functor calls over large empty parts.
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -337,4 +338,22 @@ TEST(SphericalPtzNoSource, TestVouchesOnlyForRectanglesWhosePointsAllHaveNoSourc
   // One element with a source in the band makes every rectangle over it "may have a source".
   band->SetMapItem(128, 10, Smooth(128, 10, 257, 129));
   EXPECT_FALSE(identity.NoSourceWithin(Vector2d(-16.0f, -60.0f), Vector2d(16.0f, -40.0f)));
+}
+
+TEST(SphericalPtzNoSource, TheScanSeesASourceInEveryColumnAndNotHalfOfOne) {
+  // The test scans the base map four elements at a time: a single element with a source is seen
+  // whichever column of the scanned rectangle it is in (the first, the last, inside a group of
+  // four or in the columns left over), and an element with only one coordinate is not a source.
+  // Identity at zoom 1: the rectangle below reads columns 100 to 157 and rows 4 to 25.
+  for (int column = 100; column <= 157; ++column) {
+    std::unique_ptr<ImageMap> band = LetterboxBase(257, 129, 40);
+    SphericalPtzFunctor identity(Position(0.0f, 0.0f, 1.0f), kFocal, *band);
+    const Vector2d low(-28.0f, -60.0f), high(28.0f, -40.0f);
+    ASSERT_TRUE(identity.NoSourceWithin(low, high));
+    const Vector2d source = Smooth(column, 10, 257, 129);
+    band->SetMapItem(column, 10, Vector2d(source.X, std::numeric_limits<float>::quiet_NaN()));
+    EXPECT_TRUE(identity.NoSourceWithin(low, high)) << column;
+    band->SetMapItem(column, 10, source);
+    EXPECT_FALSE(identity.NoSourceWithin(low, high)) << column;
+  }
 }
