@@ -14,6 +14,8 @@
 #include <libdewarp_vemo/map_functor.h>
 #include <libdewarp_vemo/vector_2d.h>
 
+#include "lattice_cubic.h"
+
 namespace vemo {
 namespace libdewarp {
 
@@ -45,7 +47,19 @@ struct ListedBlend {
 };
 
 // How a cell of the lattice is filled (see LatticeFill).
-enum CellFill : unsigned char { FILL_BLEND, FILL_BLEND_KEEP_MIDDLE, FILL_NO_SOURCE, FILL_REFINED };
+enum CellFill : unsigned char { FILL_BLEND, FILL_BLEND_KEEP_MIDDLE, FILL_NO_SOURCE, FILL_REFINED, FILL_CUBIC };
+
+// The four lattice columns and rows around a cell, equally spaced, the cell between the second
+// and the third of each: the crossings a cubic fill of the cell reads.
+struct CubicStencil {
+  int anColumns[4];
+  int anRows[4];
+};
+
+inline bool EquallySpaced(const int anLines[4]) {
+  const int nStep = anLines[2] - anLines[1];
+  return nStep >= 2 && anLines[1] - anLines[0] == nStep && anLines[3] - anLines[2] == nStep;
+}
 
 // The fractions k / nWidth (k = 0 ... nWidth) at which the pixels of a cell row lie between its
 // two ends, each formed as k times the step per column; kept for the last width asked for, since
@@ -159,15 +173,17 @@ public:
   // Decides how a cell of the lattice is filled; the parts of a refined cell are listed. Kept out
   // of line (one call per lattice cell): inlined into BuildLattice, the classification crowds the
   // registers of the fill loops there, which then spend more instructions on every row of a cell.
-  __attribute__((noinline)) CellFill Classify(const LatticeCell& obCell) {
-    const CellFill eFill = ClassifyOne(obCell);
+  // With a stencil, a cell whose bilinear guess misses but whose cubic guess at the middle agrees
+  // is filled cubically (the cell itself only; its parts, once halved, are judged bilinearly).
+  __attribute__((noinline)) CellFill Classify(const LatticeCell& obCell, const CubicStencil* pobStencil) {
+    const CellFill eFill = ClassifyOne(obCell, pobStencil);
     if (eFill != FILL_REFINED) {
       return eFill;
     }
     while (!m_aobPending.empty()) {
       const LatticeCell obPart = m_aobPending.back();
       m_aobPending.pop_back();
-      switch (ClassifyOne(obPart)) {
+      switch (ClassifyOne(obPart, nullptr)) {
         case FILL_BLEND:
           m_aobBlend.push_back(Judged(obPart));
           break;
@@ -178,6 +194,7 @@ public:
           m_aobNoSource.push_back(obPart);
           break;
         case FILL_REFINED:
+        case FILL_CUBIC:
           break;
       }
     }
@@ -247,6 +264,43 @@ public:
     }
   }
 
+  // The cubic cells of one band of the lattice (its top line is row line b), each filled from the
+  // sixteen crossings around it: down each of the four stencil columns the value at the cell row
+  // is interpolated between the column's four crossings, and along the row between those four
+  // values. A cell's edges take the crossings' columns and rows as they are at their ends, so two
+  // cubic cells that share an edge store the same values on it, and the crossings are kept exact;
+  // the middle then takes its exact value, as a blended cell's does.
+  void CubicBand(const std::vector<int>& anColumns, const std::vector<int>& anRows, std::size_t b,
+                 const unsigned char* aeFill, std::size_t nCells) {
+    for (std::size_t a = 0; a < nCells; ++a) {
+      if (aeFill[a] != FILL_CUBIC) continue;
+      TablePoint aobCrossing[4][4];  // [column][row]
+      for (int c = 0; c < 4; ++c) {
+        for (int r = 0; r < 4; ++r) aobCrossing[c][r] = At(anColumns[a - 1 + c], anRows[b - 1 + r]);
+      }
+      const LatticeCell obCell{anColumns[a], anColumns[a + 1], anRows[b], anRows[b + 1]};
+      const int nWidth = obCell.nRight - obCell.nLeft, nHeight = obCell.nBottom - obCell.nTop;
+      const int nMiddle = MiddleRow(obCell) * m_nStride + MiddleColumn(obCell);
+      const TablePoint obMiddle{m_pfX[nMiddle], m_pfY[nMiddle]};
+      m_obCubicWeights.For(nWidth);
+      for (int j = 0; j <= nHeight; ++j) {
+        float afX[4], afY[4];
+        const int nRow = j == 0 ? 1 : j == nHeight ? 2 : -1;
+        const lattice_cubic::Weights obDown = lattice_cubic::At(lattice_cubic::StepWeights::Fraction(j, nHeight));
+        for (int c = 0; c < 4; ++c) {
+          const TablePoint* const aobColumn = aobCrossing[c];
+          afX[c] = nRow >= 0 ? aobColumn[nRow].fX : ColumnBlend(obDown, aobColumn, &TablePoint::fX);
+          afY[c] = nRow >= 0 ? aobColumn[nRow].fY : ColumnBlend(obDown, aobColumn, &TablePoint::fY);
+        }
+        const int nOrigin = (obCell.nTop + j) * m_nStride + obCell.nLeft;
+        lattice_cubic::FillRow(m_pfX + nOrigin, nWidth, m_obCubicWeights, afX[0], afX[1], afX[2], afX[3]);
+        lattice_cubic::FillRow(m_pfY + nOrigin, nWidth, m_obCubicWeights, afY[0], afY[1], afY[2], afY[3]);
+      }
+      m_pfX[nMiddle] = obMiddle.fX;
+      m_pfY[nMiddle] = obMiddle.fY;
+    }
+  }
+
   // The listed parts of refined cells, after the lattice's own cells of the same kind.
   void FillListedNoSource() {
     for (const LatticeCell& obCell : m_aobNoSource) FillNoSource(obCell);
@@ -293,6 +347,37 @@ private:
   }
   TablePoint At(int k, int j) const { return TablePoint{m_pfX[j * m_nStride + k], m_pfY[j * m_nStride + k]}; }
 
+  static float ColumnBlend(const lattice_cubic::Weights& obWeights, const TablePoint* aobColumn,
+                           float TablePoint::*pfCoordinate) {
+    return lattice_cubic::Blend(obWeights, aobColumn[0].*pfCoordinate, aobColumn[1].*pfCoordinate,
+                                aobColumn[2].*pfCoordinate, aobColumn[3].*pfCoordinate);
+  }
+
+  // Whether the cubic guess at a cell's middle (as CubicBand would fill it) agrees with the
+  // functor's value there within the threshold, each way; never when a crossing of the stencil
+  // has no source.
+  bool CubicFits(const CubicStencil& obStencil, int nMidColumn, int nMidRow, const Vector2d& obMiddle) const {
+    const int nWidth = obStencil.anColumns[2] - obStencil.anColumns[1];
+    const int nHeight = obStencil.anRows[2] - obStencil.anRows[1];
+    const lattice_cubic::Weights obAcross =
+        lattice_cubic::At(lattice_cubic::StepWeights::Fraction(nMidColumn - obStencil.anColumns[1], nWidth));
+    const lattice_cubic::Weights obDown =
+        lattice_cubic::At(lattice_cubic::StepWeights::Fraction(nMidRow - obStencil.anRows[1], nHeight));
+    float afX[4], afY[4];
+    for (int c = 0; c < 4; ++c) {
+      TablePoint aobColumn[4];
+      for (int r = 0; r < 4; ++r) {
+        aobColumn[r] = At(obStencil.anColumns[c], obStencil.anRows[r]);
+        if (!Vector2d(aobColumn[r].fX, aobColumn[r].fY).Valid()) return false;
+      }
+      afX[c] = ColumnBlend(obDown, aobColumn, &TablePoint::fX);
+      afY[c] = ColumnBlend(obDown, aobColumn, &TablePoint::fY);
+    }
+    const float fGuessX = lattice_cubic::Blend(obAcross, afX[0], afX[1], afX[2], afX[3]);
+    const float fGuessY = lattice_cubic::Blend(obAcross, afY[0], afY[1], afY[2], afY[3]);
+    return std::fabs(fGuessX - obMiddle.X) <= m_fThreshold && std::fabs(fGuessY - obMiddle.Y) <= m_fThreshold;
+  }
+
   // Bilinear fill of the cell from the given corners; with bKeepMiddle its middle then takes the
   // given middle value.
   void BlendAs(const ListedBlend& obPart, bool bKeepMiddle) {
@@ -317,7 +402,7 @@ private:
 
   // How one cell is filled; a cell to be evaluated pixel by pixel is listed at once, a refined
   // cell's parts are queued.
-  CellFill ClassifyOne(const LatticeCell& obCell) {
+  CellFill ClassifyOne(const LatticeCell& obCell, const CubicStencil* pobStencil) {
     const int nWidth = obCell.nRight - obCell.nLeft;
     const int nHeight = obCell.nBottom - obCell.nTop;
     if (nWidth <= 1 && nHeight <= 1) {
@@ -359,6 +444,9 @@ private:
         const float fMiss = std::fmax(std::fabs(obGuess.X - obMiddle.X), std::fabs(obGuess.Y - obMiddle.Y));
         if (fMiss <= m_fThreshold) {
           return FILL_BLEND_KEEP_MIDDLE;
+        }
+        if (pobStencil && CubicFits(*pobStencil, nMidColumn, nMidRow, obMiddle)) {
+          return FILL_CUBIC;
         }
       }
     }
@@ -435,26 +523,28 @@ private:
   std::vector<KeptMiddle> m_aobMiddles;
   std::vector<TablePoint> m_aobTop, m_aobBottom;
   RowFractions m_obFractions;
+  lattice_cubic::StepWeights m_obCubicWeights;
 };
 
 }  // namespace
 
 ImageMap* MapBuilder::BuildOnLattice(const Resolution& obInputResolution, const Resolution& obOutputResolution,
                                      MapFunctor& pfnMapping, const Resolution& obCrop, LatticeRule fnLines,
-                                     float fThreshold) {
+                                     float fThreshold, bool bCubic) {
   std::unique_ptr<ImageMap> pobResult(CropCoversOutput(obOutputResolution, obCrop)
                                           ? NewUnfilledImageMap(obInputResolution, obOutputResolution)
                                           : NewImageMap(obInputResolution, obOutputResolution));
   const MapPlanes obPlanes = GetPlanes(*pobResult);
   const CropGrid obGrid = GetCropGrid(obOutputResolution, obCrop, obPlanes);
   BuildLattice(obPlanes, obGrid, pfnMapping, obInputResolution.Centre(), fnLines(obGrid.nCols),
-               fnLines(obGrid.nRows), fThreshold);
+               fnLines(obGrid.nRows), fThreshold, nullptr, bCubic);
   return pobResult.release();
 }
 
 void MapBuilder::BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid, MapFunctor& pfnMapping,
                               const Vector2d& obInputOffset, const std::vector<int>& anColumns,
-                              const std::vector<int>& anRows, float fThreshold, const NoSourceTest* pobNoSource) {
+                              const std::vector<int>& anRows, float fThreshold, const NoSourceTest* pobNoSource,
+                              bool bCubic) {
   if (obGrid.nCols <= 0 || obGrid.nRows <= 0 || anColumns.empty() || anRows.empty()) {
     return;
   }
@@ -475,10 +565,21 @@ void MapBuilder::BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid,
     return LatticeCell{anColumns[a], anColumns.size() > 1 ? anColumns[a + 1] : anColumns[a], anRows[b],
                        anRows.size() > 1 ? anRows[b + 1] : anRows[b]};
   };
+  // The cubic stencil of a cell: only inside the lattice, where the lines around the cell are
+  // equally spaced (at least 2 steps apart) on both sides of it.
+  auto stencil = [&](size_t a, size_t b, CubicStencil& obStencil) {
+    if (!bCubic || a < 1 || a + 2 >= anColumns.size() || b < 1 || b + 2 >= anRows.size()) return false;
+    for (int n = 0; n < 4; ++n) {
+      obStencil.anColumns[n] = anColumns[a - 1 + n];
+      obStencil.anRows[n] = anRows[b - 1 + n];
+    }
+    return EquallySpaced(obStencil.anColumns) && EquallySpaced(obStencil.anRows);
+  };
   std::vector<unsigned char> aeFill(nCellColumns * nCellRows);
   for (size_t b = 0; b < nCellRows; ++b) {
     for (size_t a = 0; a < nCellColumns; ++a) {
-      aeFill[b * nCellColumns + a] = obFill.Classify(cell(a, b));
+      CubicStencil obStencil;
+      aeFill[b * nCellColumns + a] = obFill.Classify(cell(a, b), stencil(a, b, obStencil) ? &obStencil : nullptr);
     }
   }
   // 3. The fills, least exact first.
@@ -489,6 +590,10 @@ void MapBuilder::BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid,
   for (size_t b = 0; b < nCellRows; ++b) {
     const LatticeCell obFirst = cell(0, b);
     obFill.BlendBand(anColumns, obFirst.nTop, obFirst.nBottom, &aeFill[b * nCellColumns], nCellColumns);
+  }
+  // Cubic cells after the blended ones: on an edge they share, the cubic value is the more exact.
+  if (bCubic) {
+    for (size_t b = 0; b < nCellRows; ++b) obFill.CubicBand(anColumns, anRows, b, &aeFill[b * nCellColumns], nCellColumns);
   }
   obFill.BlendListed();
   obFill.EvaluateListed();

@@ -78,7 +78,7 @@ SparseQuadrantMapBuilder::~SparseQuadrantMapBuilder() {}
 ImageMap* SparseQuadrantMapBuilder::BuildImageMap(const Resolution& obInputResolution,
                                                   const Resolution& obOutputResolution, MapFunctor& pfnMapping,
                                                   const Resolution& obCrop) {
-  return BuildOnLattice(obInputResolution, obOutputResolution, pfnMapping, obCrop, QuadrantLines, kThreshold);
+  return BuildOnLattice(obInputResolution, obOutputResolution, pfnMapping, obCrop, QuadrantLines, kThreshold, true);
 }
 
 ImageMap* SparseQuadrantMapBuilder::BuildRowBand(const Resolution& obInputResolution,
@@ -95,6 +95,15 @@ ImageMap* SparseQuadrantMapBuilder::BuildRowBand(const Resolution& obInputResolu
   while (nLo + 1 < anAllRows.size() && anAllRows[nLo + 1] < nFirst) ++nLo;
   while (nHi > nLo + 1 && anAllRows[nHi - 1] > nLast) --nHi;
   const bool bBand = nFirst <= nLast && !anAllRows.empty() && anAllRows[nLo] <= nLast && anAllRows[nHi] >= nFirst;
+  // One more line on either side, where there is one: a cubic cell reads the crossings of the
+  // lines beyond its own, so the cells of the band are judged and filled on the same crossings as
+  // in the whole lattice. The cells added outside the band may be filled differently from the
+  // whole lattice's, but they only write rows outside it and the lines they share with the band's
+  // outer cells, which lie outside it too.
+  if (bBand) {
+    if (nLo > 0) --nLo;
+    if (nHi + 1 < anAllRows.size()) ++nHi;
+  }
   const std::vector<int> anRows =
       bBand ? std::vector<int>(anAllRows.begin() + nLo, anAllRows.begin() + nHi + 1) : std::vector<int>();
   // Rows outside the lines built: without a source.
@@ -110,7 +119,7 @@ ImageMap* SparseQuadrantMapBuilder::BuildRowBand(const Resolution& obInputResolu
   }
   if (bBand) {
     BuildLattice(obPlanes, obGrid, pfnMapping, obInputResolution.Centre(), QuadrantLines(obGrid.nCols), anRows,
-                 kThreshold);
+                 kThreshold, nullptr, true);
   }
   return pobResult.release();
 }

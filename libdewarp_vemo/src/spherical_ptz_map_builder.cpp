@@ -74,17 +74,22 @@ bool PaneHasNoSource(const void* pContext, float fLeft, float fTop, float fRight
 // Panes are built on a coarse lattice: the functor at every 32nd pixel of every 32nd row over a
 // base map of 1920 columns (every 24th or 16th over narrower ones, see PaneLattice), and at the
 // last row and column, each cell filled by bilinear interpolation of its corners once the
-// functor at the cell's middle agrees with the interpolated guess within 1/8 source pixel; a
-// cell that misses, or that has a corner without a source, is refined (see BuildLattice). A PTZ
-// view moves smoothly over the fisheye, so nearly every cell is interpolated: about one functor
-// call in 512 pixels before refinement instead of one in four (a 1920 x 1080 pane: 4559 calls),
-// and within 1/8 source pixel of the exact map plus the base map's own element-to-element
-// roughness (measured against the dense build in the tests: up to 0.13 at 1920 x 1080).
+// functor at the cell's middle agrees with the interpolated guess within 1/8 source pixel. A cell
+// whose bilinear guess misses is filled by cubic interpolation of the sixteen crossings around it
+// when that guess agrees instead; a cell that misses both, or that has a corner without a source,
+// is refined (see BuildLattice). A PTZ view moves smoothly over the fisheye, so nearly every cell
+// is interpolated: about one functor call in 512 pixels before refinement instead of one in four
+// (a 1920 x 1080 pane: 4559 calls), and within 1/8 source pixel of the exact map plus the base
+// map's own element-to-element roughness (measured against the dense build in the tests: up to
+// 0.13 at 1920 x 1080). A panoramic view's pane follows the fisheye's circles and bends too much
+// for 32-pixel bilinear cells (their middles miss by up to 2 source pixels); the cubic cells
+// follow it within a few hundredths, where halving each cell down to 8 pixels cost about 57
+// calls per cell.
 ImageMap* SphericalPtzMapBuilder::BuildImageMap(const Resolution& obInputResolution,
                                                 const Resolution& obOutputResolution, MapFunctor& pfnMapping,
                                                 const Resolution& obCrop) {
   return BuildOnLattice(obInputResolution, obOutputResolution, pfnMapping, obCrop, PaneLattice(obOutputResolution.X),
-                        kPaneThreshold);
+                        kPaneThreshold, true);
 }
 
 // One virtual camera over the whole base map: one pane of the map's size (the same lattice as
@@ -172,7 +177,7 @@ void SphericalPtzMapBuilder::BuildPaneLattice(ImageMap& obResult, MapFunctor& pf
   if (obGrid.nCols <= 0 || obGrid.nRows <= 0) return;
   const PaneRule fnLines = PaneLattice(static_cast<float>(obPlanes.nWidth));
   BuildLattice(obPanePlanes, obGrid, pfnMapping, obInputResolution.Centre(), fnLines(obGrid.nCols),
-               fnLines(obGrid.nRows), kPaneThreshold, pobNoSource);
+               fnLines(obGrid.nRows), kPaneThreshold, pobNoSource, true);
 }
 
 }  // namespace libdewarp

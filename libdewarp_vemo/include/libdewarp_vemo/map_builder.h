@@ -109,7 +109,7 @@ protected:
   // crop; its tables are filled first only when the crop leaves part of them unwritten.
   static ImageMap* BuildOnLattice(const Resolution& obInputResolution, const Resolution& obOutputResolution,
                                   MapFunctor& pfnMapping, const Resolution& obCrop, LatticeRule fnLines,
-                                  float fThreshold);
+                                  float fThreshold, bool bCubic = false);
   // Lattice interpolation shared by the grid builders: the functor is evaluated at every
   // crossing of the lattice columns anColumns and rows anRows (crop indices, ascending, first 0
   // and last nCols - 1 / nRows - 1); every cell between neighbouring lines is then filled by
@@ -121,11 +121,15 @@ protected:
   // down to cells of 2 x 2 steps, which are evaluated pixel by pixel. Every element of the crop
   // is written. With a pobNoSource test (and a finite fThreshold) a larger cell whose corners
   // and middle have no source is left without a source at once when the test says so; the map
-  // is the same, element for element and bit for bit, as without the test.
+  // is the same, element for element and bit for bit, as without the test. With bCubic (and a
+  // finite fThreshold) a cell whose bilinear guess misses is filled instead by cubic
+  // interpolation of the sixteen crossings around it, when the lines there are equally spaced,
+  // all sixteen have a source and the cubic guess at the middle is within fThreshold; only
+  // cells that fail both are halved.
   static void BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid, MapFunctor& pfnMapping,
                            const Vector2d& obInputOffset, const std::vector<int>& anColumns,
                            const std::vector<int>& anRows, float fThreshold,
-                           const NoSourceTest* pobNoSource = nullptr);
+                           const NoSourceTest* pobNoSource = nullptr, bool bCubic = false);
 };
 
 }  // namespace libdewarp

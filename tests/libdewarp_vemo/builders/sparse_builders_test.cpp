@@ -377,9 +377,11 @@ private:
 bool SameBits(float a, float b) { return std::memcmp(&a, &b, sizeof(float)) == 0; }
 
 // A band build must hold, in the rows asked for, exactly what the whole build holds there: its
-// cells are those of the whole build. A fisheye-to-cylinder map has curved cells that are refined
-// and, cut by a lens rim, parts without a source, so every kind of cell fill takes part. Rows far from the band
-// (beyond the lattice lines around it, 8 pixels apart) have no source.
+// cells are those of the whole build. A fisheye-to-cylinder map has curved cells that are filled
+// cubically or refined and, cut by a lens rim, parts without a source, so every kind of cell fill
+// takes part. A cubic cell reads the crossings of the lines beyond its own, so the band is built
+// with one more line of the lattice on either side; rows beyond those (the lines are 8 pixels
+// apart, so more than 16 rows from the band) have no source.
 TEST(SparseQuadrantMapBuilder, ABandOfRowsHoldsTheWholeBuildsValuesThere) {
   const Resolution in(1000, 800), out(381, 121);
   ProjectionFunctor cylinder(CYLINDRICAL_PROJECTION, CIRCULAR_FISHEYE_CAMERA, 60.0f, Projection::IdentityScale);
@@ -411,7 +413,7 @@ TEST(SparseQuadrantMapBuilder, ABandOfRowsHoldsTheWholeBuildsValuesThere) {
     bool bSame = true, bOutsideEmpty = true;
     for (int y = 0; y < 121; ++y) {
       const bool bInBand = y >= band[0] && y <= band[1];
-      const bool bFar = y < band[0] - 8 || y > band[1] + 8;
+      const bool bFar = y < band[0] - 16 || y > band[1] + 16;
       for (unsigned x = 0; x < 381; ++x) {
         const float ax = MapX(*actual, x, y), ay = MapY(*actual, x, y);
         if (bInBand) {
