@@ -2,9 +2,13 @@
 
 #include <emmintrin.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstddef>
+#include <cstring>
 #include <memory>
 #include <new>
+#include <vector>
 
 #include <libdewarp_vemo/code_location.h>
 #include <libdewarp_vemo/error.h>
@@ -60,11 +64,7 @@ ImageMap* CombinedMapBuilder::BuildImageMap(const ImageMap& obFirstMap, const Im
   const MapPlanes obSecond = GetPlanes(const_cast<ImageMap&>(obSecondMap));
   const int nRows = obResult.nHeight < obFirst.nHeight ? obResult.nHeight : obFirst.nHeight;
   const int nCols = obResult.nWidth < obFirst.nWidth ? obResult.nWidth : obFirst.nWidth;
-  for (int Y = 0; Y < nRows; ++Y) {
-    MapRows::ComposeRow(obFirst.pfX + Y * obFirst.nWidth, obFirst.pfY + Y * obFirst.nWidth, nCols, obSecond,
-                        obIntermediateResolution, obResult.pfX + Y * obResult.nWidth,
-                        obResult.pfY + Y * obResult.nWidth);
-  }
+  MapRows::ComposeRows(obFirst, nRows, nCols, obSecond, obIntermediateResolution, obResult);
   return pobResult.release();
 }
 
@@ -308,7 +308,193 @@ inline bool ComposeQuad(const float* pfFirstX, const float* pfFirstY, const Seco
   return true;
 }
 
+// The second map's rows nTop and nBottom blended with the weights of a whole column at height
+// fFractionY into row, elements nFrom to nTo - 1 (whole columns inside the second map), four at
+// a time: the weights are ComposeElement's for a position on a whole column, its left and right
+// corners the same element, and the sums run in its order. Four elements of which one blends to
+// NaN are left to ComposeElement at (X, fY), as in ComposeQuad.
+void BlendRunRows(const SecondMap& obSecond, int nTop, int nBottom, float fY, float fFractionY, int nFrom, int nTo,
+                  float fNoSource, float* pfResultX, float* pfResultY) {
+  const float fFractionX = 0.0f;
+  Quad obWeights;
+  obWeights.vTopLeft = _mm_set1_ps((1.0f - fFractionX) * (1.0f - fFractionY));
+  obWeights.vTopRight = _mm_set1_ps(fFractionX * (1.0f - fFractionY));
+  obWeights.vBottomLeft = _mm_set1_ps((1.0f - fFractionX) * fFractionY);
+  obWeights.vBottomRight = _mm_set1_ps(fFractionX * fFractionY);
+  const int nTopRow = nTop * obSecond.nWidth, nBottomRow = nBottom * obSecond.nWidth;
+  int X = nFrom;
+  for (; X + 4 <= nTo; X += 4) {
+    const __m128 vResultX = Blend(obWeights, RunCorners(obSecond.pfX, nTopRow + X, nBottomRow + X));
+    const __m128 vResultY = Blend(obWeights, RunCorners(obSecond.pfY, nTopRow + X, nBottomRow + X));
+    if (_mm_movemask_ps(_mm_cmpunord_ps(vResultX, vResultY)) != 0) {
+      for (int k = X; k < X + 4; ++k) {
+        ComposeElement(static_cast<float>(k), fY, obSecond, fNoSource, pfResultX[k], pfResultY[k]);
+      }
+      continue;
+    }
+    _mm_storeu_ps(pfResultX + X, vResultX);
+    _mm_storeu_ps(pfResultY + X, vResultY);
+  }
+  for (; X < nTo; ++X) {
+    ComposeElement(static_cast<float>(X), fY, obSecond, fNoSource, pfResultX[X], pfResultY[X]);
+  }
+}
+
+// The columns of a first map whose rows hold the same x positions (a scale map: each output
+// column samples the same intermediate columns in every row), worked out once from one row: per
+// column whether it can have a source at all (the x half of ComposeElement's test), its left
+// corner, whether its right corner is the next column (the position lies above its floor), and
+// the x parts of its weights, as ComposeElement forms them. A row of the first map with these x
+// positions and one height in every column that can have a source is then composed with the
+// row's weights formed once (a column that cannot have none whatever its height).
+class AcrossColumns {
+public:
+  AcrossColumns(const float* pfRowX, int nCols, const SecondMap& obSecond)
+      : m_pfRowX(pfRowX), m_nCols(nCols), m_anLeft(nCols), m_anAbove(nCols), m_afFraction(nCols),
+        m_afRest(nCols), m_aeQuad(static_cast<std::size_t>(nCols / 4)) {
+    std::vector<bool> abInside(static_cast<std::size_t>(nCols));
+    for (int k = 0; k < nCols; ++k) {
+      int nLeft = 0, nRight = 0;
+      abInside[k] = Span(pfRowX[k], obSecond.fWidth, nLeft, nRight) && nRight < obSecond.nWidth;
+      if (abInside[k]) m_anInside.push_back(k);
+      m_anLeft[k] = abInside[k] ? nLeft : 0;
+      m_anAbove[k] = abInside[k] && nRight > nLeft ? -1 : 0;
+      m_afFraction[k] = abInside[k] ? pfRowX[k] - static_cast<float>(nLeft) : 0.0f;
+      m_afRest[k] = 1.0f - m_afFraction[k];
+    }
+    for (std::size_t q = 0; q < m_aeQuad.size(); ++q) {
+      bool bInside = true, bPairs = true;
+      for (std::size_t k = 4 * q; k < 4 * q + 4; ++k) {
+        bInside = bInside && abInside[k];
+        bPairs = bPairs && m_anLeft[k] < obSecond.nWidth - 1;
+      }
+      m_aeQuad[q] = !bInside ? QUAD_ONE_BY_ONE : bPairs ? QUAD_PAIRS : QUAD_GATHERED;
+    }
+  }
+
+  // Whether a row of the first map holds these columns' x positions, bit for bit, and one height
+  // (the same bits) in every column that can have a source.
+  bool Holds(const float* pfRowX, const float* pfRowY) const {
+    if (std::memcmp(pfRowX, m_pfRowX, static_cast<std::size_t>(m_nCols) * sizeof(float)) != 0) return false;
+    return std::all_of(m_anInside.begin(), m_anInside.end(), [pfRowY, this](int k) {
+      return std::memcmp(pfRowY + k, pfRowY + m_anInside.front(), sizeof(float)) == 0;
+    });
+  }
+
+  // A row that Holds: ComposeElement's values, four at a time where all four columns can have a
+  // source and none blends to NaN (as ComposeQuad), one by one at the row's own positions
+  // otherwise.
+  void Compose(const float* pfRowY, const SecondMap& obSecond, float fNoSource, float* pfResultX,
+               float* pfResultY) const {
+    int nTop = 0, nBottom = 0;
+    const float fY = m_anInside.empty() ? 0.0f : pfRowY[m_anInside.front()];
+    if (m_anInside.empty() || !Span(fY, obSecond.fHeight, nTop, nBottom) || nBottom >= obSecond.nHeight) {
+      for (int k = 0; k < m_nCols; ++k) pfResultX[k] = pfResultY[k] = fNoSource;
+      return;
+    }
+    const float fFractionY = fY - static_cast<float>(nTop);
+    const __m128 vFractionY = _mm_set1_ps(fFractionY), vRestY = _mm_set1_ps(1.0f - fFractionY);
+    const __m128i viTopRow = _mm_set1_epi32(nTop * obSecond.nWidth);
+    const __m128i viBottomRow = _mm_set1_epi32(nBottom * obSecond.nWidth);
+    for (std::size_t q = 0; q < m_aeQuad.size(); ++q) {
+      const int k = static_cast<int>(4 * q);
+      if (m_aeQuad[q] == QUAD_ONE_BY_ONE || !BlendQuad(k, m_aeQuad[q] == QUAD_PAIRS, vFractionY, vRestY, viTopRow,
+                                                       viBottomRow, obSecond, pfResultX, pfResultY)) {
+        for (int i = k; i < k + 4; ++i) {
+          ComposeElement(m_pfRowX[i], pfRowY[i], obSecond, fNoSource, pfResultX[i], pfResultY[i]);
+        }
+      }
+    }
+    for (int i = static_cast<int>(4 * m_aeQuad.size()); i < m_nCols; ++i) {
+      ComposeElement(m_pfRowX[i], pfRowY[i], obSecond, fNoSource, pfResultX[i], pfResultY[i]);
+    }
+  }
+
+private:
+  enum QuadKind : unsigned char { QUAD_ONE_BY_ONE, QUAD_PAIRS, QUAD_GATHERED };
+
+  // Columns k to k + 3 (all with a source): stored and true, or nothing written and false when a
+  // blend is NaN.
+  bool BlendQuad(int k, bool bPairs, __m128 vFractionY, __m128 vRestY, __m128i viTopRow, __m128i viBottomRow,
+                 const SecondMap& obSecond, float* pfResultX, float* pfResultY) const {
+    const __m128 vFractionX = _mm_loadu_ps(&m_afFraction[k]), vRestX = _mm_loadu_ps(&m_afRest[k]);
+    Quad obWeights;
+    obWeights.vTopLeft = _mm_mul_ps(vRestX, vRestY);
+    obWeights.vTopRight = _mm_mul_ps(vFractionX, vRestY);
+    obWeights.vBottomLeft = _mm_mul_ps(vRestX, vFractionY);
+    obWeights.vBottomRight = _mm_mul_ps(vFractionX, vFractionY);
+    const __m128i viLeft = _mm_loadu_si128(reinterpret_cast<const __m128i*>(&m_anLeft[k]));
+    const __m128i viAbove = _mm_loadu_si128(reinterpret_cast<const __m128i*>(&m_anAbove[k]));
+    const __m128i viRight = _mm_sub_epi32(viLeft, viAbove);
+    alignas(16) int anCorners[4][4];
+    _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[0]), _mm_add_epi32(viTopRow, viLeft));
+    _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[1]), _mm_add_epi32(viTopRow, viRight));
+    _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[2]), _mm_add_epi32(viBottomRow, viLeft));
+    _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[3]), _mm_add_epi32(viBottomRow, viRight));
+    const __m128 vAbove = _mm_castsi128_ps(viAbove);
+    const __m128 vResultX = Blend(obWeights, GatherCorners(obSecond.pfX, anCorners, bPairs, vAbove));
+    const __m128 vResultY = Blend(obWeights, GatherCorners(obSecond.pfY, anCorners, bPairs, vAbove));
+    if (_mm_movemask_ps(_mm_cmpunord_ps(vResultX, vResultY)) != 0) return false;
+    _mm_storeu_ps(pfResultX + k, vResultX);
+    _mm_storeu_ps(pfResultY + k, vResultY);
+    return true;
+  }
+
+  const float* m_pfRowX;
+  int m_nCols;
+  std::vector<int> m_anInside;  // the columns that can have a source
+  std::vector<int> m_anLeft, m_anAbove;
+  std::vector<float> m_afFraction, m_afRest;
+  std::vector<QuadKind> m_aeQuad;
+};
+
 }  // namespace
+
+// Rows whose x positions are those of the middle row and whose height is one throughout are
+// composed across the columns worked out once (the middle row: a scale map's first row, and the
+// rows of its letterbox bands, hold no positions); any other row as ComposeRow composes it.
+void MapRows::ComposeRows(const MapPlanes& obFirst, int nRows, int nCols, const MapPlanes& obSecond,
+                          const Vector2d& obIntermediateResolution, const MapPlanes& obResult) {
+  if (nRows <= 0 || nCols <= 0) return;
+  const SecondMap obSampled = {obSecond.pfX, obSecond.pfY, obSecond.nWidth, obSecond.nHeight,
+                               obIntermediateResolution.X, obIntermediateResolution.Y};
+  const float fNoSource = NoSource();
+  const AcrossColumns obColumns(obFirst.pfX + (nRows / 2) * obFirst.nWidth, nCols, obSampled);
+  for (int Y = 0; Y < nRows; ++Y) {
+    const float* const pfRowX = obFirst.pfX + Y * obFirst.nWidth;
+    const float* const pfRowY = obFirst.pfY + Y * obFirst.nWidth;
+    float* const pfResultX = obResult.pfX + Y * obResult.nWidth;
+    float* const pfResultY = obResult.pfY + Y * obResult.nWidth;
+    if (obColumns.Holds(pfRowX, pfRowY)) {
+      obColumns.Compose(pfRowY, obSampled, fNoSource, pfResultX, pfResultY);
+    } else {
+      ComposeRow(pfRowX, pfRowY, nCols, obSecond, obIntermediateResolution, pfResultX, pfResultY);
+    }
+  }
+}
+
+// Every element's position is a whole column, so its corners are one element each of two rows;
+// the columns inside the second map are blended a run at a time, the others have no source.
+void MapRows::ComposeRunRow(float fY, int nCols, const MapPlanes& obSecond, const Vector2d& obIntermediateResolution,
+                            float* pfResultX, float* pfResultY) {
+  const SecondMap obSampled = {obSecond.pfX, obSecond.pfY, obSecond.nWidth, obSecond.nHeight,
+                               obIntermediateResolution.X, obIntermediateResolution.Y};
+  const float fNoSource = NoSource();
+  int nTop = 0, nBottom = 0, nInside = 0;
+  if (Span(fY, obSampled.fHeight, nTop, nBottom) && nBottom < obSampled.nHeight) {
+    // Column X has a source where X < the image's width (Span) and X < the stored width.
+    nInside = nCols < obSampled.nWidth ? nCols : obSampled.nWidth;
+    while (nInside > 0 && !(static_cast<float>(nInside - 1) < obSampled.fWidth)) --nInside;
+  }
+  if (nInside > 0) {
+    BlendRunRows(obSampled, nTop, nBottom, fY, fY - static_cast<float>(nTop), 0, nInside, fNoSource, pfResultX,
+                 pfResultY);
+  }
+  for (int X = nInside; X < nCols; ++X) {
+    pfResultX[X] = fNoSource;
+    pfResultY[X] = fNoSource;
+  }
+}
 
 // Four elements at a time with SSE2 where that gives the scalar values, otherwise (the rest of
 // the row, and the quads ComposeQuad leaves) one by one.

@@ -27,6 +27,18 @@ public:
   static void ComposeRow(const float* pfFirstX, const float* pfFirstY, int nCols, const MapPlanes& obSecond,
                          const Vector2d& obIntermediateResolution, float* pfResultX, float* pfResultY);
 
+  // Rows 0 to nRows - 1, columns 0 to nCols - 1 of the composition of the first map over the
+  // second into the result, each row as ComposeRow composes it, bit for bit; rows that repeat the
+  // first row's x positions at one height (as a scale map's do) reuse what their columns share.
+  static void ComposeRows(const MapPlanes& obFirst, int nRows, int nCols, const MapPlanes& obSecond,
+                          const Vector2d& obIntermediateResolution, const MapPlanes& obResult);
+
+  // The same row when its positions are the whole columns 0, 1, ..., nCols - 1 at the one height
+  // fY (a shift/scale map with unit horizontal scale and a whole shift): the values ComposeRow
+  // gives for them, bit for bit, from two rows of the second map read straight through.
+  static void ComposeRunRow(float fY, int nCols, const MapPlanes& obSecond, const Vector2d& obIntermediateResolution,
+                            float* pfResultX, float* pfResultY);
+
   // The result of a composition: a map of obOutputResolution whose input size is
   // obInputResolution. When bWritesAll (every element will be written) its tables are left
   // unfilled, otherwise every element starts without a source. Raises ENOMEM "No memory for map"

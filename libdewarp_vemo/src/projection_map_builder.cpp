@@ -109,11 +109,21 @@ public:
     const int nCols = obResult.nWidth < obRows.Cols() ? obResult.nWidth : obRows.Cols();
     std::vector<float> afRowX(static_cast<std::size_t>(obRows.Cols()));
     std::vector<float> afRowY(static_cast<std::size_t>(obRows.Cols()));
+    // S's x is the same in every row; where it is the column itself (unit horizontal scale and a
+    // whole shift, as the panoramic views have), each row reads two rows of P straight through.
+    obRows.FillRow(0, afRowX.data(), afRowY.data());
+    bool bRun = true;
+    for (int k = 0; k < nCols; ++k) bRun = bRun && afRowX[k] == static_cast<float>(k) && !std::signbit(afRowX[k]);
     // The crop is the whole output, so grid row j and column k are S's row j and column k.
     for (int j = 0; j < nRows; ++j) {
+      float* const pfResultX = obResult.pfX + j * obResult.nWidth;
+      float* const pfResultY = obResult.pfY + j * obResult.nWidth;
+      if (bRun) {
+        ComposeRunRow(obRows.RowY(j), nCols, obSecond, obIntermediateResolution, pfResultX, pfResultY);
+        continue;
+      }
       obRows.FillRow(j, afRowX.data(), afRowY.data());
-      ComposeRow(afRowX.data(), afRowY.data(), nCols, obSecond, obIntermediateResolution,
-                 obResult.pfX + j * obResult.nWidth, obResult.pfY + j * obResult.nWidth);
+      ComposeRow(afRowX.data(), afRowY.data(), nCols, obSecond, obIntermediateResolution, pfResultX, pfResultY);
     }
     return pobResult.release();
   }

@@ -7,6 +7,8 @@
 #include <libdewarp_vemo/map.h>
 #include <libdewarp_vemo/map_builder.h>
 
+#include "../../../libdewarp_vemo/src/map_rows.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -372,6 +374,106 @@ TEST(CombinedMapRows, RunsOfWholeColumnsFollowTheBilinearRuleBitForBit) {
   // Runs inside the second map were composed, many of them with a source.
   EXPECT_GT(nRuns, 5000u);
   EXPECT_GT(nSourced, nTotal / 8);
+}
+
+// A first map of 7 rows like a scale map: every row but the fourth-last holds one row of x
+// positions (of every kind), at one height per row (of every kind) except in the columns whose
+// position is NaN, which hold heights of their own; the other row is drawn at random.
+std::unique_ptr<ImageMap> MakeAcross(std::mt19937& g, int nCols, const SecondCase& c) {
+  const int nRows = 7;
+  std::unique_ptr<ImageMap> first(new ImageMap(nCols, nRows));
+  float* pfX = first->GetMapX().GetTypePtr<float>();
+  float* pfY = first->GetMapY().GetTypePtr<float>();
+  std::vector<float> afRow(static_cast<std::size_t>(nCols));
+  FillPositions(g, afRow.data(), nCols, c.nWidth);
+  for (int r = 0; r < nRows; ++r) {
+    float* const pfRowX = pfX + r * nCols;
+    float* const pfRowY = pfY + r * nCols;
+    if (r == nRows - 4) {
+      FillPositions(g, pfRowX, nCols, c.nWidth);
+      FillPositions(g, pfRowY, nCols, c.nHeight);
+      continue;
+    }
+    const float fY = Position(g, Below(g, 4), c.nHeight);
+    for (int k = 0; k < nCols; ++k) {
+      pfRowX[k] = afRow[k];
+      pfRowY[k] = std::isnan(afRow[k]) ? Position(g, Below(g, 4), c.nHeight) : fY;
+    }
+  }
+  return first;
+}
+
+TEST(CombinedMapRows, RowsRepeatingOneRowOfPositionsFollowTheBilinearRuleBitForBit) {
+  std::mt19937 g(2718u);
+  std::size_t nSourced = 0, nTotal = 0;
+  for (bool bAnyNan : {false, true}) {
+    for (const SecondCase& c : kSecondMaps) {
+      std::unique_ptr<ImageMap> second(MakeSecond(c, g, bAnyNan));
+      for (int nCols : RowLengths()) {
+        for (int nRepeat = 0; nRepeat < 3; ++nRepeat) {
+          std::unique_ptr<ImageMap> first(MakeAcross(g, nCols, c));
+          ExpectTheBilinearRule(*first, *second, bAnyNan, nSourced, nTotal);
+          if (HasFatalFailure()) return;
+        }
+      }
+    }
+  }
+  EXPECT_GT(nSourced, nTotal / 8);
+}
+
+// The run row over a second map's tables, as the projection build reads them.
+struct RunRowProbe : MapRows {
+  static void Compose(float fY, int nCols, ImageMap& second, float* pfX, float* pfY) {
+    ComposeRunRow(fY, nCols, GetPlanes(second), second.GetMapSize(), pfX, pfY);
+  }
+};
+
+// A row of whole columns 0, 1, ... at one height, composed by ComposeRunRow, against the bilinear
+// rule element by element: heights of every kind (fractional, whole, the last row, outside, NaN),
+// every row length from 1 to 37 and a long row (shorter and longer than the second map's rows).
+void ExpectRunRowsFollowTheRule(const SecondCase& c, std::mt19937& g, bool bAnyNan, std::size_t& nSourced,
+                                std::size_t& nTotal) {
+  std::unique_ptr<ImageMap> second(MakeSecond(c, g, bAnyNan));
+  for (int nCols : RowLengths()) {
+    for (int nKind = 0; nKind < 4; ++nKind) {
+      const float fY = Position(g, nKind, c.nHeight);
+      std::vector<float> afX(static_cast<std::size_t>(nCols)), afY(static_cast<std::size_t>(nCols));
+      RunRowProbe::Compose(fY, nCols, *second, afX.data(), afY.data());
+      for (int k = 0; k < nCols; ++k) {
+        float fExpectedX, fExpectedY;
+        Reference(static_cast<float>(k), fY, *second, fExpectedX, fExpectedY);
+        const bool bNanX = bAnyNan && std::isnan(fExpectedX) && std::isnan(afX[k]);
+        const bool bNanY = bAnyNan && std::isnan(fExpectedY) && std::isnan(afY[k]);
+        if (!bNanX) {
+          ASSERT_EQ(0, std::memcmp(&fExpectedX, &afX[k], sizeof(float)))
+              << "x of column " << k << " of " << nCols << " at height " << fY << " over " << c.nWidth << " x "
+              << c.nHeight << ": " << fExpectedX << " expected, " << afX[k] << " given";
+        }
+        if (!bNanY) {
+          ASSERT_EQ(0, std::memcmp(&fExpectedY, &afY[k], sizeof(float)))
+              << "y of column " << k << " of " << nCols << " at height " << fY << " over " << c.nWidth << " x "
+              << c.nHeight << ": " << fExpectedY << " expected, " << afY[k] << " given";
+        }
+        nSourced += std::isnan(afX[k]) ? 0 : 1;
+        ++nTotal;
+      }
+    }
+  }
+}
+
+TEST(CombinedMapRows, RowsOfWholeColumnsAtOneHeightFollowTheBilinearRuleBitForBit) {
+  std::mt19937 g(4711u);
+  std::size_t nSourced = 0, nTotal = 0;
+  for (bool bAnyNan : {false, true}) {
+    for (const SecondCase& c : kSecondMaps) {
+      for (int nRepeat = 0; nRepeat < 6; ++nRepeat) {
+        ExpectRunRowsFollowTheRule(c, g, bAnyNan, nSourced, nTotal);
+        if (HasFatalFailure()) return;
+      }
+    }
+  }
+  // Most columns of the long rows lie beyond the second maps, yet many elements had a source.
+  EXPECT_GT(nSourced, nTotal / 16);
 }
 
 }  // namespace
