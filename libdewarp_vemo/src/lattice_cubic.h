@@ -4,6 +4,8 @@
 // misses by up to 2 source pixels, the cubic one by a few hundredths.
 #pragma once
 
+#include <emmintrin.h>
+
 #include <cstddef>
 #include <vector>
 
@@ -53,16 +55,25 @@ private:
 };
 
 // One row of a cell nSteps wide: the ends take the two middle values as they are (so that a
-// crossing is stored exactly), the elements between them the interpolation of the four values.
+// crossing is stored exactly), the elements between them the interpolation of the four values,
+// four at a time from the left end on (the same operations per element; the left end's lane is
+// then overwritten with the end itself).
 inline void FillRow(float* pfRow, int nSteps, const StepWeights& obWeights, float v0, float v1, float v2, float v3) {
   const float* const w0 = obWeights.Weight(0);
   const float* const w1 = obWeights.Weight(1);
   const float* const w2 = obWeights.Weight(2);
   const float* const w3 = obWeights.Weight(3);
-  pfRow[0] = v1;
-  for (int k = 1; k < nSteps; ++k) {
+  const __m128 vV0 = _mm_set1_ps(v0), vV1 = _mm_set1_ps(v1), vV2 = _mm_set1_ps(v2), vV3 = _mm_set1_ps(v3);
+  int k = 0;
+  for (; k + 4 <= nSteps; k += 4) {
+    const __m128 vFirst = _mm_add_ps(_mm_mul_ps(_mm_loadu_ps(w0 + k), vV0), _mm_mul_ps(_mm_loadu_ps(w1 + k), vV1));
+    const __m128 vThird = _mm_add_ps(vFirst, _mm_mul_ps(_mm_loadu_ps(w2 + k), vV2));
+    _mm_storeu_ps(pfRow + k, _mm_add_ps(vThird, _mm_mul_ps(_mm_loadu_ps(w3 + k), vV3)));
+  }
+  for (; k < nSteps; ++k) {
     pfRow[k] = ((w0[k] * v0 + w1[k] * v1) + w2[k] * v2) + w3[k] * v3;
   }
+  pfRow[0] = v1;
   pfRow[nSteps] = v2;
 }
 
