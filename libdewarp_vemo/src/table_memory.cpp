@@ -33,6 +33,9 @@ std::shared_ptr<void> FromHeap(std::size_t bytes) {
   return std::shared_ptr<void>(array, [](void* p) { delete[] static_cast<double*>(p); });
 }
 
+// From this size on a table is mapped directly (a quarter of a 1024 x 1024 float table).
+const std::size_t kMappedFrom = std::size_t(1) << 20;
+
 // Released mapped blocks kept for reuse, most recently released first. Constant-initialised,
 // so it exists before any table is made and is destroyed after every static object that could
 // hold one; a block released after that is unmapped at once.
@@ -46,8 +49,10 @@ public:
   }
 
   // A kept block for `bytes`, taken out of the pool, or null: one of exactly that size, or
-  // else the smallest larger one, cut down to the request (its pages past the request are
-  // unmapped, so nothing is held that the table does not use).
+  // else the smallest larger one, cut down to the request. Its pages past the request are kept
+  // as a block of their own when they are a large block's worth (a view that releases a large
+  // intermediate map serves two smaller tables from it), and unmapped otherwise, so nothing is
+  // held that no table could use.
   void* Take(std::size_t bytes) {
     std::lock_guard<std::mutex> obLock(m_obMutex);
     int nBest = -1;
@@ -65,7 +70,17 @@ public:
     --m_nCount;
     const std::size_t nKeep = PageRound(bytes), nHave = PageRound(obBlock.nBytes);
     if (nHave > nKeep) {
-      munmap(static_cast<char*>(obBlock.pBlock) + nKeep, nHave - nKeep);
+      char* const pRest = static_cast<char*>(obBlock.pBlock) + nKeep;
+      const std::size_t nRest = nHave - nKeep;
+      if (nRest >= kMappedFrom && !m_bClosed) {
+        // One block out, one in: the bounds still hold.
+        for (int k = m_nCount; k > 0; --k) m_aBlocks[k] = m_aBlocks[k - 1];
+        m_aBlocks[0] = Block{pRest, nRest};
+        ++m_nCount;
+        m_nHeld += nRest;
+      } else {
+        munmap(pRest, nRest);
+      }
     }
     return obBlock.pBlock;
   }
@@ -177,8 +192,6 @@ void* MapFresh(std::size_t bytes) {
 
 std::shared_ptr<void> Allocate(std::size_t bytes) {
 #ifndef DEWARP_TABLES_FROM_HEAP
-  // From this size on a table is mapped directly (a quarter of a 1024 x 1024 float table).
-  const std::size_t kMappedFrom = std::size_t(1) << 20;
   if (bytes >= kMappedFrom) {
     void* pages = g_obSpares.Take(bytes);
     if (!pages) {

@@ -14,8 +14,9 @@
 // blocks), whatever the number of channels: a block that would not fit pushes the oldest ones
 // out, and a block larger than the bound is unmapped at once. A request takes a kept block of
 // its own size, or else the smallest larger one cut down to the request (the pages past it are
-// unmapped): the intermediate maps a view releases while it builds its first maps serve the
-// smaller ones it builds next. Kept blocks are all unmapped when the library is unloaded.
+// kept as a block of their own when they make a large table's worth, and unmapped otherwise):
+// the intermediate maps a view releases while it builds its first maps serve the smaller ones it
+// builds next. Kept blocks are all unmapped when the library is unloaded.
 //
 // Small tables, and every table in builds with the address sanitizer (so that overruns and use
 // after release are still caught), come from the ordinary heap and are never kept.

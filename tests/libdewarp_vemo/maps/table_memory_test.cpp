@@ -145,19 +145,40 @@ TEST(TableMemory, ASmallerRequestTakesTheSmallestLargerBlockCutToSize) {
     static_cast<unsigned char*>(small)[0] = 0x33;
   }
   EXPECT_EQ(13 * kMiB, table_memory::SpareBytes());
-  // 3 MiB + 1: both blocks could serve it; the 5 MiB one is chosen and cut down.
-  std::shared_ptr<void> block = table_memory::Allocate(3 * kMiB + 1);
+  // 4 MiB + 1: both blocks could serve it; the 5 MiB one is chosen and cut down. The rest, less
+  // than 1 MiB, is too small to keep and is unmapped.
+  std::shared_ptr<void> block = table_memory::Allocate(4 * kMiB + 1);
   EXPECT_EQ(small, block.get());
   EXPECT_EQ(0x33, static_cast<unsigned char*>(block.get())[0]);
-  static_cast<unsigned char*>(block.get())[3 * kMiB] = 1;  // the last byte asked for is there
+  static_cast<unsigned char*>(block.get())[4 * kMiB] = 1;  // the last byte asked for is there
   EXPECT_EQ(8 * kMiB, table_memory::SpareBytes());
   // Released again, it counts with its new size only.
   block.reset();
-  EXPECT_EQ(8 * kMiB + 3 * kMiB + 1, table_memory::SpareBytes());
+  EXPECT_EQ(8 * kMiB + 4 * kMiB + 1, table_memory::SpareBytes());
   // And the 8 MiB block is still whole.
   std::shared_ptr<void> whole = table_memory::Allocate(8 * kMiB);
   EXPECT_EQ(large, whole.get());
   static_cast<unsigned char*>(whole.get())[8 * kMiB - 1] = 2;
+}
+
+// A cut that leaves 1 MiB or more keeps the rest as a block of its own (a released projection map
+// serves a scale map and then a combined map), and the rest serves the next request.
+TEST(TableMemory, ACutLeavingALargeBlocksWorthKeepsTheRestForTheNextRequest) {
+  if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
+  void* whole = nullptr;
+  { whole = table_memory::Allocate(8 * kMiB).get(); }
+  EXPECT_EQ(8 * kMiB, table_memory::SpareBytes());
+  std::shared_ptr<void> first = table_memory::Allocate(3 * kMiB);
+  EXPECT_EQ(whole, first.get());
+  EXPECT_EQ(5 * kMiB, table_memory::SpareBytes());
+  std::shared_ptr<void> rest = table_memory::Allocate(5 * kMiB);
+  EXPECT_EQ(static_cast<unsigned char*>(whole) + 3 * kMiB, rest.get());
+  EXPECT_EQ(0u, table_memory::SpareBytes());
+  static_cast<unsigned char*>(rest.get())[5 * kMiB - 1] = 3;  // its last byte is there
+  static_cast<unsigned char*>(first.get())[3 * kMiB - 1] = 4;
+  first.reset();
+  rest.reset();
+  EXPECT_EQ(8 * kMiB, table_memory::SpareBytes());
 }
 
 // Fresh blocks of a huge page or more start on a 2 MiB boundary, so that the kernel can back
