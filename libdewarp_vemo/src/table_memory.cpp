@@ -1,6 +1,7 @@
 #include "table_memory.h"
 
 #include <cstdint>
+#include <ctime>
 #include <mutex>
 #include <new>
 
@@ -143,14 +144,97 @@ SparePool g_obSpares;
 const std::size_t kHugePage = std::size_t(2) << 20;
 
 #if defined(MADV_HUGEPAGE)
+// Milliseconds of this thread's processor time (kernel work on its behalf included).
+double ThreadMilliseconds() {
+  timespec t;
+  if (clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t) != 0) return 0.0;
+  return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) * 1e-6;
+}
+
+double MonotonicMilliseconds() {
+  timespec t;
+  if (clock_gettime(CLOCK_MONOTONIC, &t) != 0) return 0.0;
+  return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) * 1e-6;
+}
+
+// On a virtual machine whose host takes back the memory its guest frees (free page reporting),
+// the guest's free huge pages are often the very memory the host took back: making one present
+// then traps to the host for each of its 4 KiB parts, and costs 5 ms instead of 0.2 (measured on
+// this project's machines; 4 KiB pages, drawn from memory the host still backs, cost about 0.8 ms
+// per 2 MiB there). So a block is made present one huge page at a time, each timed; from the
+// first that took longer than kSlowHugePage on, the rest of the block and the blocks mapped in the
+// next kSlowFor are made of 4 KiB pages. Where huge pages are cheap, nothing changes.
+constexpr double kSlowHugePage = 1.5;  // ms of processor time for one 2 MiB page
+constexpr double kSlowFor = 1000.0;    // ms
+
+// The bound, and until when (monotonic ms) huge pages are not used; shared by all threads.
+class HugePageSpeed {
+public:
+  constexpr HugePageSpeed() : m_fSlowPage(kSlowHugePage), m_fSlowUntil(0.0) {}
+  bool LatelySlow() {
+    std::lock_guard<std::mutex> obLock(m_obMutex);
+    return MonotonicMilliseconds() < m_fSlowUntil;
+  }
+  double SlowPage() {
+    std::lock_guard<std::mutex> obLock(m_obMutex);
+    return m_fSlowPage;
+  }
+  void SeenSlow() {
+    std::lock_guard<std::mutex> obLock(m_obMutex);
+    m_fSlowUntil = MonotonicMilliseconds() + kSlowFor;
+  }
+  double Reset(double fSlowPage) {
+    std::lock_guard<std::mutex> obLock(m_obMutex);
+    const double fPrevious = m_fSlowPage;
+    m_fSlowPage = fSlowPage;
+    m_fSlowUntil = 0.0;
+    return fPrevious;
+  }
+
+private:
+  std::mutex m_obMutex;
+  double m_fSlowPage, m_fSlowUntil;
+};
+
+HugePageSpeed g_obHugePageSpeed;
+
+bool HugePagesLatelySlow() { return g_obHugePageSpeed.LatelySlow(); }
+
+// Makes the block present, a huge page at a time (see above).
+void MakePresent(char* pBlock, std::size_t nLength) {
+#if defined(MADV_POPULATE_WRITE)
+  const double fSlowPage = g_obHugePageSpeed.SlowPage();
+  for (std::size_t nDone = 0; nDone < nLength; nDone += kHugePage) {
+    const std::size_t nPart = nLength - nDone < kHugePage ? nLength - nDone : kHugePage;
+    const double fStart = ThreadMilliseconds();
+    if (madvise(pBlock + nDone, nPart, MADV_POPULATE_WRITE) != 0) return;  // made present on first touch
+    if (ThreadMilliseconds() - fStart > fSlowPage && nDone + nPart < nLength) {
+      g_obHugePageSpeed.SeenSlow();
+      char* const pRest = pBlock + nDone + nPart;
+      const std::size_t nRest = nLength - nDone - nPart;
+      madvise(pRest, nRest, MADV_NOHUGEPAGE);
+      madvise(pRest, nRest, MADV_POPULATE_WRITE);
+      return;
+    }
+  }
+#else
+  (void)pBlock;
+  (void)nLength;
+#endif
+}
+
 // A block of at least one huge page placed on a huge-page boundary and offered to the kernel for
 // transparent huge pages, then made present at once: one fault and one clearing pass per 2 MiB
 // instead of 512 faults of 4 KiB. On this project's virtual machines that took a fresh 1920 x 1080
 // pair of float tables (16.6 MB) from about 10 ms to 3 ms. Where the kernel has no huge pages for
 // us the advice is refused and the block is an ordinary one; where it cannot make the pages
 // present at once (a kernel without that advice) they are made present on first touch, as with
-// any memory. Null when the address space has no room for the aligned reservation.
+// any memory. Null when the address space has no room for the aligned reservation, and while
+// huge pages are slow to make present (see above).
 void* MapOnHugePages(std::size_t bytes) {
+  if (HugePagesLatelySlow()) {
+    return nullptr;
+  }
   const std::size_t nLength = PageRound(bytes);
   const std::size_t nReserve = nLength + kHugePage;
   if (nLength < kHugePage || nReserve < nLength) {
@@ -169,9 +253,7 @@ void* MapOnHugePages(std::size_t bytes) {
   if (nHead > 0) munmap(pStart, nHead);
   if (nTail > 0) munmap(pBlock + nLength, nTail);
   madvise(pBlock, nLength, MADV_HUGEPAGE);
-#if defined(MADV_POPULATE_WRITE)
-  madvise(pBlock, nLength, MADV_POPULATE_WRITE);
-#endif
+  MakePresent(pBlock, nLength);
   return pBlock;
 }
 #endif
@@ -227,6 +309,14 @@ bool KeepsSpares() {
 std::size_t SpareBytes() { return g_obSpares.Held(); }
 
 void ReleaseSpares() { g_obSpares.DropAll(); }
+
+double SetSlowHugePage(double fMilliseconds) {
+#if !defined(DEWARP_TABLES_FROM_HEAP) && defined(MADV_HUGEPAGE)
+  return g_obHugePageSpeed.Reset(fMilliseconds);
+#else
+  return fMilliseconds;
+#endif
+}
 
 }  // namespace table_memory
 }  // namespace libdewarp

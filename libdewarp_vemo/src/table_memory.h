@@ -47,6 +47,11 @@ std::size_t SpareBytes();
 // Unmaps every kept block now.
 void ReleaseSpares();
 
+// The processor time, in milliseconds, above which making one huge page present counts as slow
+// (after which blocks are made of 4 KiB pages for a while, see table_memory.cpp); forgets any slow
+// page seen so far and returns the previous bound. For tests.
+double SetSlowHugePage(double fMilliseconds);
+
 }  // namespace table_memory
 }  // namespace libdewarp
 }  // namespace vemo

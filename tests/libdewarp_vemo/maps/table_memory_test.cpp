@@ -4,10 +4,13 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <fstream>
 #include <limits>
 #include <memory>
 #include <vector>
 #include <new>
+#include <sstream>
+#include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -35,6 +38,19 @@ bool StartWithNoSpares() {
   table_memory::ReleaseSpares();
   return table_memory::KeepsSpares();
 }
+
+// For the length of a test: huge pages are used however slowly they are made present (on a
+// machine where they are slow, a slow page seen before the test would otherwise leave its fresh
+// blocks on 4 KiB pages, off the huge-page boundary).
+class HugePagesWhateverTheirSpeed {
+public:
+  HugePagesWhateverTheirSpeed() : m_bound(table_memory::SetSlowHugePage(std::numeric_limits<double>::infinity())) {}
+  ~HugePagesWhateverTheirSpeed() { table_memory::SetSlowHugePage(m_bound); }
+  double Bound() const { return m_bound; }
+
+private:
+  double m_bound;
+};
 
 }  // namespace
 
@@ -181,11 +197,60 @@ TEST(TableMemory, ACutLeavingALargeBlocksWorthKeepsTheRestForTheNextRequest) {
   EXPECT_EQ(8 * kMiB, table_memory::SpareBytes());
 }
 
+// The flags the kernel lists for the mapping that holds the address ("hg": offered for huge pages,
+// "nh": never on huge pages), or an empty string when it cannot be told.
+std::string MappingFlags(const void* p) {
+  std::ifstream smaps("/proc/self/smaps");
+  const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(p);
+  bool inside = false;
+  std::string line;
+  while (std::getline(smaps, line)) {
+    unsigned long long from = 0, to = 0;
+    char dash = 0;
+    std::istringstream head(line);
+    if (head >> std::hex >> from >> dash >> to && dash == '-') {
+      inside = address >= from && address < to;
+      continue;
+    }
+    if (inside && line.compare(0, 8, "VmFlags:") == 0) return line.substr(8) + " ";
+  }
+  return std::string();
+}
+
+// Huge pages slow to make present: the rest of the block is made of 4 KiB pages, and so are the
+// blocks mapped next; once the bound is back (and the slow page forgotten), huge pages again.
+TEST(TableMemory, AfterASlowHugePageTheRestAndTheNextBlocksTakeSmallPages) {
+  if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
+  HugePagesWhateverTheirSpeed whatever;
+  std::shared_ptr<void> usual = table_memory::Allocate(4 * kMiB);
+  if (MappingFlags(usual.get()).find(" hg ") == std::string::npos) {
+    GTEST_SKIP() << "this kernel does not offer blocks for huge pages";
+  }
+  // A bound below any time: the first huge page of the next fresh block counts as slow.
+  table_memory::SetSlowHugePage(-1.0);
+  std::shared_ptr<void> first = table_memory::Allocate(8 * kMiB);
+  unsigned char* const bytes = static_cast<unsigned char*>(first.get());
+  EXPECT_NE(std::string::npos, MappingFlags(bytes).find(" hg "));
+  EXPECT_NE(std::string::npos, MappingFlags(bytes + 2 * kMiB).find(" nh "));
+  EXPECT_NE(std::string::npos, MappingFlags(bytes + 8 * kMiB - 1).find(" nh "));
+  bytes[0] = 1;
+  bytes[8 * kMiB - 1] = 2;
+  std::shared_ptr<void> next = table_memory::Allocate(4 * kMiB);
+  EXPECT_EQ(std::string::npos, MappingFlags(next.get()).find(" hg "));
+  static_cast<unsigned char*>(next.get())[4 * kMiB - 1] = 3;
+  // The usual bound back, the slow page forgotten.
+  EXPECT_EQ(-1.0, table_memory::SetSlowHugePage(whatever.Bound()));
+  std::shared_ptr<void> later = table_memory::Allocate(4 * kMiB);
+  EXPECT_NE(std::string::npos, MappingFlags(later.get()).find(" hg "));
+  EXPECT_EQ(std::string::npos, MappingFlags(later.get()).find(" nh "));
+}
+
 // Fresh blocks of a huge page or more start on a 2 MiB boundary, so that the kernel can back
 // them with transparent huge pages; the whole request is there, and so are blocks just under a
 // huge page, which are mapped as they are.
 TEST(TableMemory, AFreshBlockOfAHugePageOrMoreStartsOnAHugePageBoundary) {
   if (!StartWithNoSpares()) GTEST_SKIP() << "tables come from the heap in this build";
+  HugePagesWhateverTheirSpeed whatever;
   const std::size_t kHuge = 2 * kMiB;
   for (std::size_t bytes : {kHuge, 3 * kMiB + 40, 17 * kMiB + 4095}) {
     std::shared_ptr<void> block = table_memory::Allocate(bytes);
