@@ -238,6 +238,16 @@ inline __m128 Blend(const Quad& obWeights, const Quad& obCorners) {
                     _mm_mul_ps(obWeights.vBottomRight, obCorners.vBottomRight));
 }
 
+// The indices of the four corners of four lanes (top left, top right, bottom left, bottom right),
+// from the lanes' row starts and columns.
+inline void StoreCorners(__m128i viTopRow, __m128i viBottomRow, __m128i viLeft, __m128i viRight,
+                         int (&anCorners)[4][4]) {
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[0]), _mm_add_epi32(viTopRow, viLeft));
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[1]), _mm_add_epi32(viTopRow, viRight));
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[2]), _mm_add_epi32(viBottomRow, viLeft));
+  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[3]), _mm_add_epi32(viBottomRow, viRight));
+}
+
 // The blends of four lanes whose corners are read element by element (or in pairs).
 inline void ComposeGathered(__m128 vX, __m128 vLeft, __m128i viLeft, __m128i viRight, __m128i viTop, __m128i viBottom,
                             const Quad& obWeights, const SecondMap& obSecond, __m128& vResultX, __m128& vResultY) {
@@ -245,10 +255,7 @@ inline void ComposeGathered(__m128 vX, __m128 vLeft, __m128i viLeft, __m128i viR
   const __m128i viTopRow = RowStarts(viTop, viWidth);
   const __m128i viBottomRow = RowStarts(viBottom, viWidth);
   alignas(16) int anCorners[4][4];
-  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[0]), _mm_add_epi32(viTopRow, viLeft));
-  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[1]), _mm_add_epi32(viTopRow, viRight));
-  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[2]), _mm_add_epi32(viBottomRow, viLeft));
-  _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[3]), _mm_add_epi32(viBottomRow, viRight));
+  StoreCorners(viTopRow, viBottomRow, viLeft, viRight, anCorners);
   // Only a left corner in the last column has no element after it in its row.
   const __m128i viLastColumn = _mm_set1_epi32(obSecond.nWidth - 1);
   const bool bPairs = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(viLeft, viLastColumn))) == 0xF;
@@ -427,10 +434,7 @@ private:
     const __m128i viAbove = _mm_loadu_si128(reinterpret_cast<const __m128i*>(&m_anAbove[k]));
     const __m128i viRight = _mm_sub_epi32(viLeft, viAbove);
     alignas(16) int anCorners[4][4];
-    _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[0]), _mm_add_epi32(viTopRow, viLeft));
-    _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[1]), _mm_add_epi32(viTopRow, viRight));
-    _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[2]), _mm_add_epi32(viBottomRow, viLeft));
-    _mm_store_si128(reinterpret_cast<__m128i*>(anCorners[3]), _mm_add_epi32(viBottomRow, viRight));
+    StoreCorners(viTopRow, viBottomRow, viLeft, viRight, anCorners);
     const __m128 vAbove = _mm_castsi128_ps(viAbove);
     const __m128 vResultX = Blend(obWeights, GatherCorners(obSecond.pfX, anCorners, bPairs, vAbove));
     const __m128 vResultY = Blend(obWeights, GatherCorners(obSecond.pfY, anCorners, bPairs, vAbove));

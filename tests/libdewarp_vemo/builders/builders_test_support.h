@@ -2,8 +2,10 @@
 #pragma once
 
 #include <libdewarp_vemo/image_map.h>
+#include <libdewarp_vemo/map_builder.h>
 #include <libdewarp_vemo/map_functor.h>
 #include <libdewarp_vemo/projection.h>
+#include <libdewarp_vemo/resolution.h>
 #include <libdewarp_vemo/trigonometry.h>
 #include <libdewarp_vemo/vector_2d.h>
 
@@ -125,6 +127,26 @@ inline bool IsNan(const ImageMap& m, unsigned x, unsigned y) {
   const Vector2d v = m.GetMapItem(x, y);
   return std::isnan(v.X) && std::isnan(v.Y);
 }
+
+// The lattice (MapBuilder::BuildLattice) over the whole crop: lines every `spacing` pixels and
+// the last, with the given threshold, no-source test and cubic cells.
+class LatticeProbe : public ::vemo::libdewarp::MapBuilder {
+public:
+  using MapBuilder::BuildImageMap;
+  ImageMap* BuildImageMap(const ::vemo::libdewarp::Resolution& in, const ::vemo::libdewarp::Resolution& out,
+                          MapFunctor& f, const ::vemo::libdewarp::Resolution& crop) override {
+    std::unique_ptr<ImageMap> map(NewImageMap(in, out));
+    const MapPlanes planes = GetPlanes(*map);
+    const CropGrid grid = GetCropGrid(out, crop, planes);
+    BuildLattice(planes, grid, f, in.Centre(), LatticeLines(grid.nCols, spacing), LatticeLines(grid.nRows, spacing),
+                 threshold, test, cubic);
+    return map.release();
+  }
+  int spacing = 16;
+  float threshold = 0.125f;
+  const NoSourceTest* test = nullptr;
+  bool cubic = false;
+};
 
 }  // namespace test
 }  // namespace vemo

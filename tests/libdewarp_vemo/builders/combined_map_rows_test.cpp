@@ -355,22 +355,33 @@ int InsideRuns(const ImageMap& first, const SecondCase& c) {
   return nRuns;
 }
 
-TEST(CombinedMapRows, RunsOfWholeColumnsFollowTheBilinearRuleBitForBit) {
-  std::mt19937 g(9173u);
-  std::size_t nSourced = 0, nTotal = 0, nRuns = 0;
+// The composition against the bilinear rule over every second map (with the default NaN, then
+// with NaN of any payload) and every row length, for nRepeats first maps drawn by fnMake each,
+// which fnSeen also sees. Stops at the first fatal failure.
+template <typename Make, typename Seen>
+void ExpectOverEveryCase(std::mt19937& g, int nRepeats, Make fnMake, Seen fnSeen, std::size_t& nSourced,
+                         std::size_t& nTotal) {
   for (bool bAnyNan : {false, true}) {
     for (const SecondCase& c : kSecondMaps) {
       std::unique_ptr<ImageMap> second(MakeSecond(c, g, bAnyNan));
       for (int nCols : RowLengths()) {
-        for (int nRepeat = 0; nRepeat < 4; ++nRepeat) {
-          std::unique_ptr<ImageMap> first(MakeRuns(g, nCols, c));
-          nRuns += static_cast<std::size_t>(InsideRuns(*first, c));
+        for (int nRepeat = 0; nRepeat < nRepeats; ++nRepeat) {
+          std::unique_ptr<ImageMap> first(fnMake(g, nCols, c));
+          fnSeen(*first, c);
           ExpectTheBilinearRule(*first, *second, bAnyNan, nSourced, nTotal);
-          if (HasFatalFailure()) return;
+          if (::testing::Test::HasFatalFailure()) return;
         }
       }
     }
   }
+}
+
+TEST(CombinedMapRows, RunsOfWholeColumnsFollowTheBilinearRuleBitForBit) {
+  std::mt19937 g(9173u);
+  std::size_t nSourced = 0, nTotal = 0, nRuns = 0;
+  ExpectOverEveryCase(g, 4, MakeRuns, [&nRuns](const ImageMap& first, const SecondCase& c) {
+    nRuns += static_cast<std::size_t>(InsideRuns(first, c));
+  }, nSourced, nTotal);
   // Runs inside the second map were composed, many of them with a source.
   EXPECT_GT(nRuns, 5000u);
   EXPECT_GT(nSourced, nTotal / 8);
@@ -406,18 +417,7 @@ std::unique_ptr<ImageMap> MakeAcross(std::mt19937& g, int nCols, const SecondCas
 TEST(CombinedMapRows, RowsRepeatingOneRowOfPositionsFollowTheBilinearRuleBitForBit) {
   std::mt19937 g(2718u);
   std::size_t nSourced = 0, nTotal = 0;
-  for (bool bAnyNan : {false, true}) {
-    for (const SecondCase& c : kSecondMaps) {
-      std::unique_ptr<ImageMap> second(MakeSecond(c, g, bAnyNan));
-      for (int nCols : RowLengths()) {
-        for (int nRepeat = 0; nRepeat < 3; ++nRepeat) {
-          std::unique_ptr<ImageMap> first(MakeAcross(g, nCols, c));
-          ExpectTheBilinearRule(*first, *second, bAnyNan, nSourced, nTotal);
-          if (HasFatalFailure()) return;
-        }
-      }
-    }
-  }
+  ExpectOverEveryCase(g, 3, MakeAcross, [](const ImageMap&, const SecondCase&) {}, nSourced, nTotal);
   EXPECT_GT(nSourced, nTotal / 8);
 }
 

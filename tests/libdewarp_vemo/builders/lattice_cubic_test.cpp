@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "builders_test_support.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -16,21 +18,14 @@ namespace vemo {
 namespace libdewarp {
 namespace {
 
-// The lattice over the whole crop, lines every 32 pixels (and the last), threshold 1/8.
-class CubicProbe : public MapBuilder {
-public:
-  using MapBuilder::BuildImageMap;
-  ImageMap* BuildImageMap(const Resolution& in, const Resolution& out, MapFunctor& f,
-                          const Resolution& crop) override {
-    std::unique_ptr<ImageMap> map(NewImageMap(in, out));
-    const MapPlanes planes = GetPlanes(*map);
-    const CropGrid grid = GetCropGrid(out, crop, planes);
-    BuildLattice(planes, grid, f, in.Centre(), LatticeLines(grid.nCols, 32), LatticeLines(grid.nRows, 32), 0.125f,
-                 nullptr, cubic);
-    return map.release();
-  }
-  bool cubic = true;
-};
+// The lattice over the whole crop, lines every 32 pixels (and the last), threshold 1/8, with
+// cubic cells.
+test::LatticeProbe CubicProbe() {
+  test::LatticeProbe probe;
+  probe.spacing = 32;
+  probe.cubic = true;
+  return probe;
+}
 
 // (x, y) -> (x + x^2 / 1024 + y / 4, y + y^2 / 1024 - x / 2), at the centred point. Each
 // coordinate bends along one axis with the second derivative 1/512, so the bilinear guess at the
@@ -66,7 +61,7 @@ TEST(LatticeCubic, CellsWithCrossingsAllRoundAreFilledCubicallyTheOthersAreHalve
   // of its sides: cells 1 to 6 across and 1 to 3 down (18 of 40). Every 32-pixel cell misses its
   // bilinear middle by 1/4; the 22 cells along the border are halved once, which costs 4 new
   // points and the middles of their 4 parts (each part misses by 1/16 and is blended).
-  CubicProbe probe;
+  test::LatticeProbe probe = CubicProbe();
   const Resolution out(257, 161);
   BendingFunctor f;
   std::unique_ptr<ImageMap> map(probe.BuildImageMap(kIn, out, f, out));
@@ -86,7 +81,7 @@ TEST(LatticeCubic, ACubicCellFollowsTheBendAndKeepsTheCrossingsExact) {
   // two cubic cells too; a bilinear fill would stray there by up to 1/4. Everywhere else the
   // halved cells' bilinear fill strays by at most 16^2 / 4096 = 1/16. The crossings hold the
   // functor's values exactly.
-  CubicProbe probe;
+  test::LatticeProbe probe = CubicProbe();
   const Resolution out(257, 161);
   BendingFunctor f;
   std::unique_ptr<ImageMap> map(probe.BuildImageMap(kIn, out, f, out));

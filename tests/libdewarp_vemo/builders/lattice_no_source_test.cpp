@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "builders_test_support.h"
+
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -18,21 +20,7 @@ namespace libdewarp {
 namespace {
 
 // The lattice over the whole crop, lines every 16 pixels, with an optional no-source test.
-class LatticeProbe : public MapBuilder {
-public:
-  using MapBuilder::BuildImageMap;
-  ImageMap* BuildImageMap(const Resolution& in, const Resolution& out, MapFunctor& f,
-                          const Resolution& crop) override {
-    std::unique_ptr<ImageMap> map(NewImageMap(in, out));
-    const MapPlanes planes = GetPlanes(*map);
-    const CropGrid grid = GetCropGrid(out, crop, planes);
-    BuildLattice(planes, grid, f, in.Centre(), LatticeLines(grid.nCols, 16), LatticeLines(grid.nRows, 16), threshold,
-                 test);
-    return map.release();
-  }
-  const NoSourceTest* test = nullptr;
-  float threshold = 0.125f;
-};
+using test::LatticeProbe;
 
 int FloorInt(float v) { return static_cast<int>(std::floor(v)); }
 
