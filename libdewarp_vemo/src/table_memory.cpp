@@ -144,18 +144,16 @@ SparePool g_obSpares;
 const std::size_t kHugePage = std::size_t(2) << 20;
 
 #if defined(MADV_HUGEPAGE)
-// Milliseconds of this thread's processor time (kernel work on its behalf included).
-double ThreadMilliseconds() {
+// A clock's reading in milliseconds (0 where it cannot be read).
+double Milliseconds(clockid_t eClock) {
   timespec t;
-  if (clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t) != 0) return 0.0;
+  if (clock_gettime(eClock, &t) != 0) return 0.0;
   return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) * 1e-6;
 }
 
-double MonotonicMilliseconds() {
-  timespec t;
-  if (clock_gettime(CLOCK_MONOTONIC, &t) != 0) return 0.0;
-  return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) * 1e-6;
-}
+// This thread's processor time (kernel work on its behalf included), and time that only runs on.
+double ThreadMilliseconds() { return Milliseconds(CLOCK_THREAD_CPUTIME_ID); }
+double MonotonicMilliseconds() { return Milliseconds(CLOCK_MONOTONIC); }
 
 // On a virtual machine whose host takes back the memory its guest frees (free page reporting),
 // the guest's free huge pages are often the very memory the host took back: making one present
