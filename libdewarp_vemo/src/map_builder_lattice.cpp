@@ -223,6 +223,30 @@ public:
     }
   }
 
+  // The cells of one band of the lattice (the nCells cells between two neighbouring rows of it,
+  // columns at anColumns) left without a source, a run of neighbouring cells at a time and row by
+  // row across the run: the elements of the cells and of the edges they share, as filling each
+  // cell on its own writes them, in long runs rather than a cell's width at a time.
+  void NoSourceBand(const std::vector<int>& anColumns, int nTop, int nBottom, const unsigned char* aeFill,
+                    std::size_t nCells) {
+    const float fNoSource = MapBuilder::NoSource();
+    std::size_t a = 0;
+    while (a < nCells) {
+      if (aeFill[a] != FILL_NO_SOURCE) {
+        ++a;
+        continue;
+      }
+      std::size_t z = a + 1;
+      while (z < nCells && aeFill[z] == FILL_NO_SOURCE) ++z;
+      const int nLeft = anColumns[a], nRight = anColumns.size() > 1 ? anColumns[z] : anColumns[a];
+      for (int j = nTop; j <= nBottom; ++j) {
+        std::fill(m_pfX + j * m_nStride + nLeft, m_pfX + j * m_nStride + nRight + 1, fNoSource);
+        std::fill(m_pfY + j * m_nStride + nLeft, m_pfY + j * m_nStride + nRight + 1, fNoSource);
+      }
+      a = z;
+    }
+  }
+
   // The blended cells of one band of the lattice (the nCells cells between two neighbouring rows
   // of it, columns at anColumns), each filled from its corners as FillCell fills a cell, but row
   // by row across the whole band, so that the tables are written front to back rather than a
@@ -621,8 +645,9 @@ void MapBuilder::BuildLattice(const MapPlanes& obPlanes, const CropGrid& obGrid,
     }
   }
   // 3. The fills, least exact first.
-  for (size_t n = 0; n < aeFill.size(); ++n) {
-    if (aeFill[n] == FILL_NO_SOURCE) obFill.FillNoSource(cell(n % nCellColumns, n / nCellColumns));
+  for (size_t b = 0; b < nCellRows; ++b) {
+    const LatticeCell obFirst = cell(0, b);
+    obFill.NoSourceBand(anColumns, obFirst.nTop, obFirst.nBottom, &aeFill[b * nCellColumns], nCellColumns);
   }
   obFill.FillListedNoSource();
   for (size_t b = 0; b < nCellRows; ++b) {
