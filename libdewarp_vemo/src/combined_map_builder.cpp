@@ -452,11 +452,28 @@ private:
   std::vector<QuadKind> m_aeQuad;
 };
 
+// Whether no position of a row lies across the second map (each x outside [0, width) or not a
+// number, where Span fails): then no element of the row has a source, whatever its height, as
+// in the letterbox bands of a scale map.
+bool NoColumnInside(const float* pfRowX, int nCols, float fWidth) {
+  const __m128 vZero = _mm_setzero_ps(), vWidth = _mm_set1_ps(fWidth);
+  int k = 0;
+  for (; k + 4 <= nCols; k += 4) {
+    const __m128 vX = _mm_loadu_ps(pfRowX + k);
+    if (_mm_movemask_ps(_mm_and_ps(_mm_cmpge_ps(vX, vZero), _mm_cmplt_ps(vX, vWidth))) != 0) return false;
+  }
+  for (; k < nCols; ++k) {
+    if (pfRowX[k] >= 0.0f && pfRowX[k] < fWidth) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 // Rows whose x positions are those of the middle row and whose height is one throughout are
 // composed across the columns worked out once (the middle row: a scale map's first row, and the
-// rows of its letterbox bands, hold no positions); any other row as ComposeRow composes it.
+// rows of its letterbox bands, hold no positions); a row none of whose positions lies across
+// the second map (a letterbox band) has no source; any other row as ComposeRow composes it.
 void MapRows::ComposeRows(const MapPlanes& obFirst, int nRows, int nCols, const MapPlanes& obSecond,
                           const Vector2d& obIntermediateResolution, const MapPlanes& obResult) {
   if (nRows <= 0 || nCols <= 0) return;
@@ -471,6 +488,9 @@ void MapRows::ComposeRows(const MapPlanes& obFirst, int nRows, int nCols, const 
     float* const pfResultY = obResult.pfY + Y * obResult.nWidth;
     if (obColumns.Holds(pfRowX, pfRowY)) {
       obColumns.Compose(pfRowY, obSampled, fNoSource, pfResultX, pfResultY);
+    } else if (NoColumnInside(pfRowX, nCols, obSampled.fWidth)) {
+      std::fill(pfResultX, pfResultX + nCols, fNoSource);
+      std::fill(pfResultY, pfResultY + nCols, fNoSource);
     } else {
       ComposeRow(pfRowX, pfRowY, nCols, obSecond, obIntermediateResolution, pfResultX, pfResultY);
     }

@@ -387,9 +387,12 @@ TEST(CombinedMapRows, RunsOfWholeColumnsFollowTheBilinearRuleBitForBit) {
   EXPECT_GT(nSourced, nTotal / 8);
 }
 
-// A first map of 7 rows like a scale map: every row but the fourth-last holds one row of x
+// A first map of 7 rows like a scale map: every row but the last three holds one row of x
 // positions (of every kind), at one height per row (of every kind) except in the columns whose
-// position is NaN, which hold heights of their own; the other row is drawn at random.
+// position is NaN, which hold heights of their own; the fourth-last row is drawn at random; the
+// last two are like a letterbox band, every x position off the second map (NaN, negative, at or
+// beyond its width, infinite) at heights of every kind, but for one column of the last row, whose
+// position is drawn at random.
 std::unique_ptr<ImageMap> MakeAcross(std::mt19937& g, int nCols, const SecondCase& c) {
   const int nRows = 7;
   std::unique_ptr<ImageMap> first(new ImageMap(nCols, nRows));
@@ -403,6 +406,14 @@ std::unique_ptr<ImageMap> MakeAcross(std::mt19937& g, int nCols, const SecondCas
     if (r == nRows - 4) {
       FillPositions(g, pfRowX, nCols, c.nWidth);
       FillPositions(g, pfRowY, nCols, c.nHeight);
+      continue;
+    }
+    if (r >= nRows - 2) {
+      const float fInf = std::numeric_limits<float>::infinity(), fWidth = static_cast<float>(c.nWidth);
+      const float afOff[] = {FromBits(kDefaultNan), -1.5f, -0.25f, fWidth, fWidth + 3.5f, fInf, -fInf};
+      for (int k = 0; k < nCols; ++k) pfRowX[k] = afOff[Below(g, 7)];
+      FillPositions(g, pfRowY, nCols, c.nHeight);
+      if (r == nRows - 1) FillPositions(g, pfRowX + Below(g, nCols), 1, c.nWidth);
       continue;
     }
     const float fY = Position(g, Below(g, 4), c.nHeight);
