@@ -2,6 +2,7 @@
 
 #include <libdewarp_vemo/map.h>
 
+#include "bilinear_group_rows.h"
 #include "remap_420_groups.h"
 
 #include <atomic>
@@ -192,6 +193,28 @@ void BilinearGroupRowsSse2(const GroupWalk& w) {
   }
 }
 
+void BilinearFormGroupsRowsSse2(const GroupWalk& w, const float* x, const float* y, float maxX, float maxY,
+                                float* table) {
+  const __m128i luma = OffsetMultiplier(w.s.stride);
+  const __m128i chroma = OffsetMultiplier(w.s.blocks);
+  const BilinearBounds bounds = {maxX, maxY};
+  const std::size_t cols = w.groups * Map::s_uBilinearGroupColumns;
+  for (std::size_t r = 0; r < w.rowPairs; ++r) {
+    const RowPair o = GetRowPair(w.d, w.lumaPitch, r);
+    const std::size_t upper = 2 * r * cols, lower = upper + cols;
+    for (std::size_t g = 0; g < w.groups; ++g) {
+      const std::size_t first = g * Map::s_uBilinearGroupColumns;
+      float* const group = table + (r * w.groups + g) * Map::s_uBilinearGroupFloats;
+      FillGroupRow(group, x + upper + first, y + upper + first, bounds);
+      FillGroupRow(group + Map::s_uBilinearGroupFloats / 2, x + lower + first, y + lower + first, bounds);
+      const std::uint32_t c = static_cast<std::uint32_t>(first);
+      if (!BilinearGroup16(w.s, o, group, c, luma, chroma)) {
+        BilinearGroupByBlocks(w, o, group, c);
+      }
+    }
+  }
+}
+
 // 32-bit builds keep to the SSE2 kernels. Their AVX2 kernel crashed under the 32-bit emulator
 // these builds are tested with, and without a 32-bit machine at hand a fault of the emulator
 // cannot be told from one of ours, so it is not offered to 32-bit hosts.
@@ -288,13 +311,14 @@ bool ImagePlanar420::LinearInterpolation(const Image& src, const Map& mapX, cons
   w.rowPairs = m_height / 2;
   const bool walkable = m_height >= 2 && mapX.GetRows() == m_height && Usable(*this) && Usable(source);
   const GroupRows rows = ChooseGroupRows();
-  // The AVX2 kernel builds a missing table in the pass that walks the frame through it.
-  if (walkable && rows == remap420::BilinearGroupRowsAvx2 &&
-      !mapX.HasBilinearGroupBuffer(source.m_width, source.m_height)) {
+  // The AVX2 and SSE2 kernels build a missing table in the pass that walks the frame through it.
+  const bool forms = rows == remap420::BilinearGroupRowsAvx2 || rows == remap420::BilinearGroupRowsSse2;
+  if (walkable && forms && !mapX.HasBilinearGroupBuffer(source.m_width, source.m_height)) {
     if (float* table = mapX.NewBilinearGroupBuffer(mapY)) {
-      remap420::BilinearFormGroupsRowsAvx2(w, mapX.GetTypePtr<float>(), mapY.GetTypePtr<float>(),
-                                           static_cast<float>(source.m_width) - 1.0f,
-                                           static_cast<float>(source.m_height) - 1.0f, table);
+      const auto form = rows == remap420::BilinearGroupRowsAvx2 ? remap420::BilinearFormGroupsRowsAvx2
+                                                                : remap420::BilinearFormGroupsRowsSse2;
+      form(w, mapX.GetTypePtr<float>(), mapY.GetTypePtr<float>(), static_cast<float>(source.m_width) - 1.0f,
+           static_cast<float>(source.m_height) - 1.0f, table);
       mapX.KeepBilinearGroupBuffer(table, source.m_width, source.m_height);
       return true;
     }

@@ -45,6 +45,14 @@ void BilinearGroupByBlocks(const GroupWalk& w, const RowPair& o, const float* gr
 // Every row pair of the walk, SSE2 vector kernel.
 void BilinearGroupRowsSse2(const GroupWalk& w);
 
+// Every row pair of the walk through the SSE2 kernel, each group formed on the way from the
+// map's float tables x and y (rows of 16 * w.groups columns) exactly as Map::GetBilinearGroupBuffer
+// forms it for a source whose interpolable area is 0 <= x < maxX, 0 <= y < maxY, stored at its
+// place in table (the group table, being built) and walked at once, as
+// BilinearFormGroupsRowsAvx2 does with the AVX2 kernel.
+void BilinearFormGroupsRowsSse2(const GroupWalk& w, const float* x, const float* y, float maxX, float maxY,
+                                float* table);
+
 // Every row pair of the walk, AVX2 vector kernel; only on processors with AVX2.
 void BilinearGroupRowsAvx2(const GroupWalk& w);
 

@@ -365,8 +365,8 @@ TEST_P(RemapReferenceTest, LongRowsOfGroupsMatchTheReference) {
 }
 
 TEST_P(RemapReferenceTest, TheFirstFrameLeavesTheGroupTableItsBuildMakes) {
-  // The first bilinear frame through a map builds the map's group table; on processors with
-  // AVX2 it forms the groups in the pass that walks the frame. Either way the table it leaves
+  // The first bilinear frame through a map builds the map's group table; the SSE2 and AVX2
+  // kernels form the groups in the pass that walks the frame. Either way the table it leaves
   // must be the one the table's own build makes from an identical map, bit for bit, and be kept
   // for the next frame. Sizes of whole groups (the walk that forms them takes those), odd row
   // counts, maps with every edge case, a source that the group walks serve (its last chroma
