@@ -156,8 +156,9 @@ void FillCell(float* pfX, float* pfY, int nStride, int nWidth, int nHeight, cons
 // pixel; so a cell crossed by the edge of the picture costs a few dozen functor calls rather
 // than one per pixel; a cell with a source at the two corners of one side only is halved across
 // the edge only (see SplitAlongEdge), and a strip one step across with a source at some corners
-// only is judged edge by edge (see SplitStrip). Without a check (an infinite threshold) a cell with a corner lacking a
-// source is evaluated pixel by pixel at once, as the plain grid scheme does.
+// only is judged edge by edge (see SplitStrip). Without a check (an infinite threshold) a cell
+// with a corner lacking a source is evaluated pixel by pixel at once, as the plain grid scheme
+// does.
 // With a no-source test (see MapBuilder::NoSourceTest) a cell larger than kNoSourceSteps whose
 // corners and middle have no source is left without a source at once when the test vouches that
 // no point of it has one. That changes nothing in the map: halved, such a cell ends as parts that

@@ -77,9 +77,9 @@ private:
 // elements the loop writes. Every step writes whole rows (all written columns), so each element
 // holds what the last step of its row wrote there: along the row, the x value its column's last
 // step left, and the y value of the row's side. On the centre row (step 0 writes it from both
-// sides) the two sides' y values, -sy + c and sy + c with sy = 0 times the factor (a zero or NaN),
-// are the same. False (nothing written) where the written columns are not one run, which the plain
-// loop then serves.
+// sides) the two sides' y values, -sy + c and sy + c with sy = 0 times the factor, agree: both c
+// for a zero sy, both NaN for a NaN one. False (nothing written) where the written columns are not
+// one run, which the plain loop then serves.
 bool MirrorScale(float* pfX, float* pfY, int nWidth, int nHeight, MapFunctor& pfnMapping, int nRows, int nCols,
                  const Vector2d& obInputOffset, const Vector2d& obOutputOffset) {
   const MirroredAxis obColumns(nWidth, nCols, obOutputOffset.X, obInputOffset.X,
