@@ -397,3 +397,66 @@ TEST_P(RemapReferenceTest, TheFirstFrameLeavesTheGroupTableItsBuildMakes) {
     }
   }
 }
+
+namespace {
+
+// A map whose positions are drawn anywhere in the square of `extent` source pixels from
+// (x0, y0): the four pixels of a block land anywhere in it, so the chroma samples of four
+// neighbouring blocks spread over (extent + 1) / 2 columns and rows at most.
+remap_reference::Maps SquareMaps(std::mt19937& rng, std::uint32_t w, std::uint32_t h, float x0, float y0,
+                                 float extent) {
+  remap_reference::Maps m;
+  m.width = w;
+  m.height = h;
+  std::uniform_real_distribution<float> offset(0.0f, extent);
+  for (std::uint32_t i = 0; i < w * h; ++i) {
+    m.x.push_back(x0 + offset(rng));
+    m.y.push_back(y0 + offset(rng));
+  }
+  return m;
+}
+
+}  // namespace
+
+TEST_P(RemapReferenceTest, ChromaSamplesCloseTogetherMatchTheReference) {
+  // The AVX2 kernel reads the chroma of four neighbouring blocks from a window of 4 x 4 samples
+  // when they all fit one, and one by one otherwise. Squares of 2 to 10 source pixels put the
+  // samples within 1 to 5 rows and columns, on both sides of the window's size. The squares sit
+  // anywhere inside the source and against its lower right corner, where a window ends on the
+  // last byte of the frame (or would end past it: those samples are read one by one), for
+  // sources of even and odd sizes and strides above the width. Whole groups of sixteen columns
+  // and a width that is not.
+  const Geometry sources[] = {{64, 48, 64}, {66, 50, 71}, {41, 30, 44}, {32, 16, 32}};
+  const float extents[] = {2.0f, 5.0f, 6.0f, 6.99f, 7.0f, 8.0f, 9.0f, 10.0f};
+  std::mt19937 rng(5150u);
+  int cases = 0;
+  for (const Geometry& g : sources) {
+    for (float extent : extents) {
+      // The square's corner: at random, then as far right and down as it fits (its largest
+      // positions just below the last column and row the blend can start from), then one and
+      // two source pixels up and to the left of that.
+      std::uniform_real_distribution<float> cornerX(0.0f, static_cast<float>(g.w) - 1.0f - extent);
+      std::uniform_real_distribution<float> cornerY(0.0f, static_cast<float>(g.h) - 1.0f - extent);
+      const float farX = static_cast<float>(g.w) - 1.0f - extent, farY = static_cast<float>(g.h) - 1.0f - extent;
+      const float corners[][2] = {{cornerX(rng), cornerY(rng)}, {farX, farY}, {farX - 1.0f, farY - 1.0f},
+                                  {farX - 2.0f, farY - 2.0f}, {farX, farY - 1.0f}};
+      for (const auto& corner : corners) {
+        for (std::uint32_t w : {64u, 48u, 40u}) {
+          const std::uint32_t h = 6;
+          remap_reference::Frame src(g.w, g.h, g.s);
+          RandomBytes(rng, src.bytes);
+          const remap_reference::Maps maps = SquareMaps(rng, w, h, corner[0], corner[1], extent);
+          ImageMap map = ToImageMap(maps);
+          for (int frame = 0; frame < 2; ++frame) {
+            EXPECT_TRUE(EngineMatchesReference(rng, src, map, maps, w, h, w + 2, LINEAR_INTERPOLATION))
+                << "source " << g.w << "x" << g.h << "/" << g.s << " square " << extent << " at (" << corner[0]
+                << ", " << corner[1] << ") destination " << w << "x" << h << " frame " << frame;
+            RandomBytes(rng, src.bytes);
+          }
+          ++cases;
+        }
+      }
+    }
+  }
+  EXPECT_EQ(4 * 8 * 5 * 3, cases);
+}
