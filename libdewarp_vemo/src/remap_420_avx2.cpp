@@ -317,19 +317,17 @@ DEWARP_AVX2_INLINE __m256 Inside8(__m256 x, __m256 y, const Bounds8& b) {
                        _mm256_and_ps(_mm256_cmp_ps(y, zero, _CMP_GE_OQ), _mm256_cmp_ps(y, b.maxY, _CMP_LT_OQ)));
 }
 
-// One row of a group from sixteen pixels' x and y, into v[0..3]: the even and the odd pixels' x
-// and y, each pair kept only when both its pixels are inside, otherwise all four values the
-// marker (the values and markers of Map::GetBilinearGroupBuffer). Returns the pairs kept.
-DEWARP_AVX2_INLINE __m256 FormGroupRow(const float* x, const float* y, const Bounds8& b, __m256* v) {
+// One row of a group from sixteen pixels' x and y, stored at out (eight floats each): the even
+// and the odd pixels' x and y, each pair kept only when both its pixels are inside, otherwise
+// all four values the marker (the values and markers of Map::GetBilinearGroupBuffer). Returns
+// the pairs kept.
+DEWARP_AVX2_INLINE __m256 FormGroupRow(const float* x, const float* y, const Bounds8& b, float* out) {
   const __m256 x0 = _mm256_loadu_ps(x), x1 = _mm256_loadu_ps(x + 8);
   const __m256 y0 = _mm256_loadu_ps(y), y1 = _mm256_loadu_ps(y + 8);
-  v[0] = EvenLanes(x0, x1);
-  v[1] = EvenLanes(y0, y1);
-  v[2] = OddLanes(x0, x1);
-  v[3] = OddLanes(y0, y1);
+  const __m256 v[4] = {EvenLanes(x0, x1), EvenLanes(y0, y1), OddLanes(x0, x1), OddLanes(y0, y1)};
   const __m256 pair = _mm256_and_ps(Inside8(v[0], v[1], b), Inside8(v[2], v[3], b));
   const __m256 outside = _mm256_andnot_ps(pair, _mm256_set1_ps(Map::s_fBilinearOutside));
-  for (int k = 0; k < 4; ++k) v[k] = _mm256_or_ps(_mm256_and_ps(pair, v[k]), outside);
+  for (int k = 0; k < 4; ++k) _mm256_storeu_ps(out + 8 * k, _mm256_or_ps(_mm256_and_ps(pair, v[k]), outside));
   return pair;
 }
 
@@ -373,14 +371,12 @@ __attribute__((target("avx2"))) void BilinearFormGroupsRowsAvx2(const GroupWalk&
     const float* const y0 = y + 2 * r * cols;
     for (std::size_t g = 0; g < w.groups; ++g) {
       const std::size_t first = g * Map::s_uBilinearGroupColumns;
-      Group8 group;
-      const __m256 upper = FormGroupRow(x0 + first, y0 + first, bounds, group.v);
-      const __m256 lower = FormGroupRow(x0 + cols + first, y0 + cols + first, bounds, group.v + 4);
       float* const stored = table + (r * w.groups + g) * Map::s_uBilinearGroupFloats;
-      for (int k = 0; k < 8; ++k) _mm256_storeu_ps(stored + 8 * k, group.v[k]);
+      const __m256 upper = FormGroupRow(x0 + first, y0 + first, bounds, stored);
+      const __m256 lower = FormGroupRow(x0 + cols + first, y0 + cols + first, bounds, stored + 32);
       const std::uint32_t c = static_cast<std::uint32_t>(first);
       if (_mm256_movemask_ps(_mm256_and_ps(upper, lower)) == 0xFF) {
-        Group16(w.s, o, group, c, stride, blocks);
+        Group16(w.s, o, LoadGroup(stored), c, stride, blocks);
       } else {
         BilinearGroupByBlocks(w, o, stored, c);
       }
