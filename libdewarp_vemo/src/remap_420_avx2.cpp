@@ -122,21 +122,89 @@ DEWARP_AVX2_INLINE __m256i BlendChroma8(const Weights8& tl, const std::uint8_t* 
 
 // Luma of eight even and eight odd columns (32-bit lanes, 0 to 255) as sixteen consecutive
 // bytes e0 o0 e1 o1 ... e7 o7.
-DEWARP_AVX2_INLINE void StoreInterleaved16(std::uint8_t* out, __m256i even, __m256i odd) {
+DEWARP_AVX2_INLINE __m128i Interleaved16(__m256i even, __m256i odd) {
   const __m256i words = _mm256_packs_epi32(even, odd);  // e0-3 o0-3 | e4-7 o4-7
   const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1));
   const __m128i order = _mm_setr_epi8(0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15);
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(bytes, order));
+  return _mm_shuffle_epi8(bytes, order);
 }
 
-// Eight U and eight V values (32-bit lanes, 0 to 255) as eight bytes each.
-DEWARP_AVX2_INLINE void StoreChroma(std::uint8_t* u, std::uint8_t* v, __m256i uLanes, __m256i vLanes) {
+// Eight U and eight V values (32-bit lanes, 0 to 255) as bytes u0 ... u7 v0 ... v7.
+DEWARP_AVX2_INLINE __m128i Planar16(__m256i uLanes, __m256i vLanes) {
   const __m256i words = _mm256_packs_epi32(uLanes, vLanes);  // u0-3 v0-3 | u4-7 v4-7
   const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1));
   const __m128i order = _mm_setr_epi8(0, 1, 2, 3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14, 15);
-  const __m128i planar = _mm_shuffle_epi8(bytes, order);
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(u), planar);
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(v), _mm_unpackhi_epi64(planar, planar));
+  return _mm_shuffle_epi8(bytes, order);
+}
+
+// Where the bytes of a group's eight blocks go. A group whose blocks all lie inside the picture
+// writes them as they are. In a group with blocks outside (and all its columns inside the
+// width), each block outside gets what the scalar kernel gives it instead: the default luma in
+// its top-left pixel, its other three pixels as they were, the default chroma.
+struct GroupOut {
+  RowPair o;
+  std::uint32_t c;
+  bool some;       // some blocks lie outside
+  __m128i inside;  // per block: its two bytes of a luma row (16 bytes); its U and its V byte
+                   // (bytes j and 8 + j) in `chroma`
+  __m128i chroma;
+};
+
+DEWARP_AVX2_INLINE GroupOut AllInside(const RowPair& o, std::uint32_t c) {
+  GroupOut out;
+  out.o = o;
+  out.c = c;
+  out.some = false;
+  out.inside = out.chroma = _mm_setzero_si128();
+  return out;
+}
+
+// From the blocks' lanes (all bits set for a block inside the picture).
+DEWARP_AVX2_INLINE GroupOut SomeOutside(const RowPair& o, std::uint32_t c, __m256 inside) {
+  GroupOut out;
+  out.o = o;
+  out.c = c;
+  out.some = true;
+  const __m256i lanes = _mm256_castps_si256(inside);
+  out.inside = _mm_packs_epi32(_mm256_castsi256_si128(lanes), _mm256_extracti128_si256(lanes, 1));
+  out.chroma = _mm_packs_epi16(out.inside, out.inside);
+  return out;
+}
+
+DEWARP_AVX2_INLINE __m128i Load16(const std::uint8_t* p) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+}
+
+// The upper luma row's bytes: a block outside sets its top-left pixel to the default and keeps
+// the top-right one.
+DEWARP_AVX2_INLINE void PutUpperRow(const GroupOut& out, __m128i bytes) {
+  std::uint8_t* const p = out.o.y0 + out.c;
+  if (out.some) {
+    const __m128i kept = _mm_or_si128(_mm_and_si128(Load16(p), _mm_set1_epi16(static_cast<short>(0xFF00))),
+                                      _mm_set1_epi16(ImagePlanar::s_yDefault));
+    bytes = _mm_blendv_epi8(kept, bytes, out.inside);
+  }
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
+}
+
+// The lower luma row's bytes: a block outside keeps both pixels.
+DEWARP_AVX2_INLINE void PutLowerRow(const GroupOut& out, __m128i bytes) {
+  std::uint8_t* const p = out.o.y1 + out.c;
+  if (out.some) {
+    bytes = _mm_blendv_epi8(Load16(p), bytes, out.inside);
+  }
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
+}
+
+// The chroma bytes (u0 ... u7 v0 ... v7): a block outside takes the default chroma.
+DEWARP_AVX2_INLINE void PutChroma(const GroupOut& out, __m128i planar) {
+  if (out.some) {
+    const __m128i defaults = _mm_unpacklo_epi64(_mm_set1_epi8(static_cast<char>(ImagePlanar::s_uDefault)),
+                                                _mm_set1_epi8(static_cast<char>(ImagePlanar::s_vDefault)));
+    planar = _mm_blendv_epi8(defaults, planar, out.chroma);
+  }
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out.o.u + out.c / 2), planar);
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out.o.v + out.c / 2), _mm_unpackhi_epi64(planar, planar));
 }
 
 // Chroma through a window. Where a view is not much smaller than its part of the source, the
@@ -209,7 +277,7 @@ DEWARP_AVX2_INLINE __m256i BlendWindow(const Weights8& tl, __m256i bytes) {
 // top-left, bottom-left, top-right and bottom-right samples; false (nothing written) when a
 // lane's samples do not fit a window, or a window would reach past the end of the frame.
 // `blocks` is the multiplier of the chroma offsets (1 for the column, the pitch for the row).
-DEWARP_AVX2_INLINE bool WindowChroma(const Planes& s, const RowPair& o, std::uint32_t c, const Weights8& tl,
+DEWARP_AVX2_INLINE bool WindowChroma(const Planes& s, const GroupOut& out, const Weights8& tl,
                                      const __m256i* position, __m256i blocks) {
   const __m256i low = LaneExtreme<false>(position);
   const __m256i spread = _mm256_sub_epi16(LaneExtreme<true>(position), low);
@@ -233,8 +301,7 @@ DEWARP_AVX2_INLINE bool WindowChroma(const Planes& s, const RowPair& o, std::uin
       _mm256_packus_epi16(_mm256_packus_epi32(index[0], index[1]), _mm256_packus_epi32(index[2], index[3]));
   const __m256i u = _mm256_set_m128i(Window(s.u + second, s.blocks), Window(s.u + first, s.blocks));
   const __m256i v = _mm256_set_m128i(Window(s.v + second, s.blocks), Window(s.v + first, s.blocks));
-  StoreChroma(o.u + c / 2, o.v + c / 2, BlendWindow(tl, _mm256_shuffle_epi8(u, order)),
-              BlendWindow(tl, _mm256_shuffle_epi8(v, order)));
+  PutChroma(out, Planar16(BlendWindow(tl, _mm256_shuffle_epi8(u, order)), BlendWindow(tl, _mm256_shuffle_epi8(v, order))));
   return true;
 }
 
@@ -254,7 +321,7 @@ DEWARP_AVX2_INLINE Group8 LoadGroup(const float* g) {
 // Of each pixel only the luma and the chroma position outlive its blend; the top-left pixels'
 // weights are worked out again for the chroma (cheaper than keeping four more vectors alive
 // through the other three blends: 4.4 ms a frame against 4.9 ms).
-DEWARP_AVX2_INLINE void Group16(const Planes& s, const RowPair& o, const Group8& g, std::uint32_t c, __m256i stride,
+DEWARP_AVX2_INLINE void Group16(const Planes& s, const GroupOut& out, const Group8& g, __m256i stride,
                                 __m256i blocks) {
   // Chroma positions of the four pixels of each block: top-left (xi/2, yi/2), bottom-left
   // ((xi+1)/2, yi/2), top-right (xi/2, (yi+1)/2), bottom-right ((xi+1)/2, (yi+1)/2).
@@ -264,37 +331,54 @@ DEWARP_AVX2_INLINE void Group16(const Planes& s, const RowPair& o, const Group8&
     position[0] = ChromaPosition(Half(tl.xi), Half(tl.yi));
     const Lanes8 tr = Pixels8(s, g.v[2], g.v[3], stride);
     position[2] = ChromaPosition(Half(tr.xi), HalfUp(tr.yi));
-    StoreInterleaved16(o.y0 + c, tl.luma, tr.luma);
+    PutUpperRow(out, Interleaved16(tl.luma, tr.luma));
   }
   {
     const Lanes8 bl = Pixels8(s, g.v[4], g.v[5], stride);
     position[1] = ChromaPosition(HalfUp(bl.xi), Half(bl.yi));
     const Lanes8 br = Pixels8(s, g.v[6], g.v[7], stride);
     position[3] = ChromaPosition(HalfUp(br.xi), HalfUp(br.yi));
-    StoreInterleaved16(o.y1 + c, bl.luma, br.luma);
+    PutLowerRow(out, Interleaved16(bl.luma, br.luma));
   }
   const Weights8 tl = Weigh8(g.v[0], g.v[1]);
-  if (WindowChroma(s, o, c, tl, position, blocks)) {
+  if (WindowChroma(s, out, tl, position, blocks)) {
     return;
   }
   const Offsets8 offsets[4] = {
       LaneOffsets(_mm256_madd_epi16(position[0], blocks)), LaneOffsets(_mm256_madd_epi16(position[1], blocks)),
       LaneOffsets(_mm256_madd_epi16(position[2], blocks)), LaneOffsets(_mm256_madd_epi16(position[3], blocks))};
-  StoreChroma(o.u + c / 2, o.v + c / 2, BlendChroma8(tl, s.u, offsets), BlendChroma8(tl, s.v, offsets));
+  PutChroma(out, Planar16(BlendChroma8(tl, s.u, offsets), BlendChroma8(tl, s.v, offsets)));
 }
 
-// Columns c .. c + 15 of a row pair from the group at g; false (nothing written) when a block of
-// the group lies outside the picture (its top pair or its bottom pair holds the marker).
-DEWARP_AVX2_INLINE bool TableGroup16(const Planes& s, const RowPair& o, const float* g, std::uint32_t c,
-                                     __m256i stride, __m256i blocks) {
+// The blocks of the group at g that lie inside the picture (all bits set): those whose top pair
+// and bottom pair are not the marker.
+DEWARP_AVX2_INLINE __m256 InsideBlocks(const float* g) {
   const __m256 marker = _mm256_set1_ps(Map::s_fBilinearOutside);
-  const __m256 bad = _mm256_or_ps(_mm256_cmp_ps(_mm256_loadu_ps(g), marker, _CMP_EQ_OQ),
-                                  _mm256_cmp_ps(_mm256_loadu_ps(g + 56), marker, _CMP_EQ_OQ));
-  if (_mm256_movemask_ps(bad) != 0) {
-    return false;
+  return _mm256_andnot_ps(_mm256_or_ps(_mm256_cmp_ps(_mm256_loadu_ps(g), marker, _CMP_EQ_OQ),
+                                       _mm256_cmp_ps(_mm256_loadu_ps(g + 56), marker, _CMP_EQ_OQ)),
+                          _mm256_castsi256_ps(_mm256_set1_epi32(-1)));
+}
+
+// Columns c .. c + 15 of a row pair from the group at g, whose blocks inside the picture are
+// `inside`. A group with blocks outside goes through the vector kernel too, its blocks outside
+// read at position (0, 0) and given their own bytes when written, unless some of its columns lie
+// past the width: then it goes block by block.
+DEWARP_AVX2_INLINE void WalkGroup(const GroupWalk& w, const RowPair& o, const float* g, std::uint32_t c,
+                                  __m256 inside, __m256i stride, __m256i blocks) {
+  const int lanes = _mm256_movemask_ps(inside);
+  if (lanes == 0xFF) {
+    Group16(w.s, AllInside(o, c), LoadGroup(g), stride, blocks);
+  } else if (c + Map::s_uBilinearGroupColumns > w.width) {
+    BilinearGroupByBlocks(w, o, g, c);
+  } else if (lanes == 0) {
+    const GroupOut out = SomeOutside(o, c, inside);
+    PutUpperRow(out, _mm_setzero_si128());
+    PutChroma(out, _mm_setzero_si128());
+  } else {
+    Group8 group = LoadGroup(g);
+    for (int k = 0; k < 8; ++k) group.v[k] = _mm256_and_ps(group.v[k], inside);
+    Group16(w.s, SomeOutside(o, c, inside), group, stride, blocks);
   }
-  Group16(s, o, LoadGroup(g), c, stride, blocks);
-  return true;
 }
 
 // Lanes 0, 2, 4, ... 14 and 1, 3, 5, ... 15 of the sixteen floats in a (first eight) and b.
@@ -337,9 +421,7 @@ __attribute__((target("avx2"))) void BilinearGroupAvx2(const GroupWalk& w, const
                                                         std::uint32_t c) {
   const __m256i stride = _mm256_set1_epi32(static_cast<int>(w.s.stride));
   const __m256i blocks = ChromaMultiplier(w.s);
-  if (!TableGroup16(w.s, o, group, c, stride, blocks)) {
-    BilinearGroupByBlocks(w, o, group, c);
-  }
+  WalkGroup(w, o, group, c, InsideBlocks(group), stride, blocks);
 }
 
 __attribute__((target("avx2"))) void BilinearGroupRowsAvx2(const GroupWalk& w) {
@@ -350,9 +432,7 @@ __attribute__((target("avx2"))) void BilinearGroupRowsAvx2(const GroupWalk& w) {
     for (std::size_t g = 0; g < w.groups; ++g) {
       const float* group = w.Group(r, g);
       const std::uint32_t c = static_cast<std::uint32_t>(g * Map::s_uBilinearGroupColumns);
-      if (!TableGroup16(w.s, o, group, c, stride, blocks)) {
-        BilinearGroupByBlocks(w, o, group, c);
-      }
+      WalkGroup(w, o, group, c, InsideBlocks(group), stride, blocks);
     }
   }
   // Clean upper halves for the SSE code that runs next (no penalty for mixing the two).
@@ -375,11 +455,7 @@ __attribute__((target("avx2"))) void BilinearFormGroupsRowsAvx2(const GroupWalk&
       const __m256 upper = FormGroupRow(x0 + first, y0 + first, bounds, stored);
       const __m256 lower = FormGroupRow(x0 + cols + first, y0 + cols + first, bounds, stored + 32);
       const std::uint32_t c = static_cast<std::uint32_t>(first);
-      if (_mm256_movemask_ps(_mm256_and_ps(upper, lower)) == 0xFF) {
-        Group16(w.s, o, LoadGroup(stored), c, stride, blocks);
-      } else {
-        BilinearGroupByBlocks(w, o, stored, c);
-      }
+      WalkGroup(w, o, stored, c, _mm256_and_ps(upper, lower), stride, blocks);
     }
   }
   _mm256_zeroupper();
