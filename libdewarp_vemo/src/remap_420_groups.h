@@ -4,9 +4,11 @@
 // A row pair of the destination is walked sixteen columns (eight 2 x 2 blocks) at a time. A
 // group whose blocks all lie inside the picture goes through a vector kernel: the SSE2 one
 // (the baseline, four blocks at a time) or, on processors that have it, the AVX2 one (eight
-// blocks at a time), which is compiled in a file of its own and chosen once per frame. Any
-// other group (a block outside the picture, columns past the width) goes block by block
-// through the scalar kernel. All three compute the same single-precision operations in the
+// blocks at a time), which is compiled in a file of its own and chosen once per frame. The
+// SSE2 kernel leaves any other group (a block outside the picture, columns past the width) to
+// the scalar kernel, block by block; the AVX2 kernel also takes groups with blocks outside the
+// picture, giving those blocks the scalar kernel's bytes, and leaves it only groups with
+// columns past the width. All three compute the same single-precision operations in the
 // same order and truncate the same way, so they give the same bytes. On processors with AVX-512
 // a third kernel takes two groups at a time.
 //
@@ -65,8 +67,8 @@ void BilinearGroupRowsAvx2(const GroupWalk& w);
 void BilinearFormGroupsRowsAvx2(const GroupWalk& w, const float* x, const float* y, float maxX, float maxY,
                                 float* table);
 
-// One group (columns c to c + 15) through the AVX2 kernel, or block by block when a block lies
-// outside the picture; only on processors with AVX2.
+// One group (columns c to c + 15) through the AVX2 kernel, or block by block when some of its
+// columns lie past the width; only on processors with AVX2.
 void BilinearGroupAvx2(const GroupWalk& w, const RowPair& o, const float* group, std::uint32_t c);
 
 // Every row pair of the walk, AVX-512 vector kernel (two groups at a time); only on processors
