@@ -145,9 +145,8 @@ struct GroupOut {
   RowPair o;
   std::uint32_t c;
   bool some;       // some blocks lie outside
-  __m128i inside;  // per block: its two bytes of a luma row (16 bytes); its U and its V byte
-                   // (bytes j and 8 + j) in `chroma`
-  __m128i chroma;
+  __m128i inside;  // all bits set in the two bytes of a luma row of each block inside
+  __m128i chroma;  // the same in bytes j (U) and 8 + j (V) for block j
 };
 
 DEWARP_AVX2_INLINE GroupOut AllInside(const RowPair& o, std::uint32_t c) {
@@ -237,12 +236,14 @@ DEWARP_AVX2_INLINE __m256i ChromaMultiplier(const Planes& s) {
   return _mm256_set1_epi32(static_cast<int>(1u | (static_cast<std::uint32_t>(s.blocks) << 16)));
 }
 
-// The smallest (or largest) of the four vectors' pairs in each 128-bit lane, in every 32-bit
-// lane of it, columns and rows apart.
+// The larger (or smaller) of two pairs, columns and rows apart.
 template <bool kLargest>
 DEWARP_AVX2_INLINE __m256i Pick(__m256i a, __m256i b) {
   return kLargest ? _mm256_max_epu16(a, b) : _mm256_min_epu16(a, b);
 }
+
+// The smallest (or largest) of the four vectors' pairs in each 128-bit lane, in every 32-bit
+// lane of it, columns and rows apart.
 template <bool kLargest>
 DEWARP_AVX2_INLINE __m256i LaneExtreme(const __m256i* p) {
   __m256i e = Pick<kLargest>(Pick<kLargest>(p[0], p[1]), Pick<kLargest>(p[2], p[3]));
@@ -301,7 +302,8 @@ DEWARP_AVX2_INLINE bool WindowChroma(const Planes& s, const GroupOut& out, const
       _mm256_packus_epi16(_mm256_packus_epi32(index[0], index[1]), _mm256_packus_epi32(index[2], index[3]));
   const __m256i u = _mm256_set_m128i(Window(s.u + second, s.blocks), Window(s.u + first, s.blocks));
   const __m256i v = _mm256_set_m128i(Window(s.v + second, s.blocks), Window(s.v + first, s.blocks));
-  PutChroma(out, Planar16(BlendWindow(tl, _mm256_shuffle_epi8(u, order)), BlendWindow(tl, _mm256_shuffle_epi8(v, order))));
+  PutChroma(out,
+            Planar16(BlendWindow(tl, _mm256_shuffle_epi8(u, order)), BlendWindow(tl, _mm256_shuffle_epi8(v, order))));
   return true;
 }
 
@@ -317,8 +319,9 @@ DEWARP_AVX2_INLINE Group8 LoadGroup(const float* g) {
   return group;
 }
 
-// Columns c .. c + 15 of a row pair from one group whose blocks all lie inside the picture.
-// Of each pixel only the luma and the chroma position outlive its blend; the top-left pixels'
+// Columns c .. c + 15 of a row pair from one group whose positions all lie inside the picture
+// (those of its blocks outside, if it has any, set to (0, 0): `out` writes such blocks' own
+// bytes). Of each pixel only the luma and the chroma position outlive its blend; the top-left pixels'
 // weights are worked out again for the chroma (cheaper than keeping four more vectors alive
 // through the other three blends: 4.4 ms a frame against 4.9 ms).
 DEWARP_AVX2_INLINE void Group16(const Planes& s, const GroupOut& out, const Group8& g, __m256i stride,

@@ -421,11 +421,11 @@ remap_reference::Maps SquareMaps(std::mt19937& rng, std::uint32_t w, std::uint32
 TEST_P(RemapReferenceTest, ChromaSamplesCloseTogetherMatchTheReference) {
   // The AVX2 kernel reads the chroma of four neighbouring blocks from a window of 4 x 4 samples
   // when they all fit one, and one by one otherwise. Squares of 2 to 10 source pixels put the
-  // samples within 1 to 5 rows and columns, on both sides of the window's size. The squares sit
-  // anywhere inside the source and against its lower right corner, where a window ends on the
-  // last byte of the frame (or would end past it: those samples are read one by one), for
-  // sources of even and odd sizes and strides above the width. Whole groups of sixteen columns
-  // and a width that is not.
+  // samples of four blocks within about 2 to 6 rows and columns, on both sides of the window's
+  // four. The squares sit anywhere inside the source and against its lower right corner, where
+  // a window ends on the last byte of the frame (or would end past it: those samples are read
+  // one by one), for sources of even and odd sizes and strides above the width. Whole groups of
+  // sixteen columns and a width that is not.
   const Geometry sources[] = {{64, 48, 64}, {66, 50, 71}, {41, 30, 44}, {32, 16, 32}};
   const float extents[] = {2.0f, 5.0f, 6.0f, 6.99f, 7.0f, 8.0f, 9.0f, 10.0f};
   std::mt19937 rng(5150u);
