@@ -402,7 +402,7 @@ namespace {
 
 // A map whose positions are drawn anywhere in the square of `extent` source pixels from
 // (x0, y0): the four pixels of a block land anywhere in it, so the chroma samples of four
-// neighbouring blocks spread over (extent + 1) / 2 columns and rows at most.
+// neighbouring blocks spread over extent / 2 + 2 columns and rows at most.
 remap_reference::Maps SquareMaps(std::mt19937& rng, std::uint32_t w, std::uint32_t h, float x0, float y0,
                                  float extent) {
   remap_reference::Maps m;
@@ -421,7 +421,7 @@ remap_reference::Maps SquareMaps(std::mt19937& rng, std::uint32_t w, std::uint32
 TEST_P(RemapReferenceTest, ChromaSamplesCloseTogetherMatchTheReference) {
   // The AVX2 kernel reads the chroma of four neighbouring blocks from a window of 4 x 4 samples
   // when they all fit one, and one by one otherwise. Squares of 2 to 10 source pixels put the
-  // samples of four blocks within about 2 to 6 rows and columns, on both sides of the window's
+  // samples of four blocks within at most 3 to 7 rows and columns, on both sides of the window's
   // four. The squares sit anywhere inside the source and against its lower right corner, where
   // a window ends on the last byte of the frame (or would end past it: those samples are read
   // one by one), for sources of even and odd sizes and strides above the width. Whole groups of
